@@ -1,0 +1,9 @@
+// All of ZelBL70KT's interface.
+#ifndef ZEL_ZEL_H
+#define ZEL_ZEL_H
+
+#include <zel/wintypes.h>
+#include <zel/host.h>
+#include <zel/frame.h>
+
+#endif  // ZEL_ZEL_H
