@@ -96,6 +96,9 @@ struct ZelAnsiArg {
 };
 ZelAnsiArg ZelPlatformAnsiToWide(LPCSTR text);
 std::string ZelPlatformWideToAnsi(LPCWSTR text);
+// UTF-8 text for the system's side: names on disk, standard error.
+std::string ZelPlatformWideToUtf8(const std::u16string& text);
+std::u16string ZelPlatformUtf8ToWide(const std::string& text);
 
 // ---------------------------------------------------------------------------------------------
 // Registry (posix/registry*.cpp)

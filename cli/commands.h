@@ -1,0 +1,22 @@
+// The subcommands of zel. Each takes the arguments after its name and returns the exit status.
+#ifndef ZEL_CLI_COMMANDS_H
+#define ZEL_CLI_COMMANDS_H
+
+#include <string>
+#include <vector>
+
+using Args = std::vector<std::string>;
+
+struct Command {
+    const char* name;
+    const char* summary;
+    int (*run)(const Args& args);
+};
+
+int RunDemo(const Args& args);
+int RunModules(const Args& args);
+
+// Every subcommand, in the order zel --help lists them.
+const std::vector<Command>& Commands();
+
+#endif  // ZEL_CLI_COMMANDS_H

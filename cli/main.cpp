@@ -1,0 +1,36 @@
+// zel: the command line face of ZelBL70KT.
+#include <cstdio>
+#include <cstring>
+
+#include "commands.h"
+
+namespace {
+
+int Help() {
+    printf("Usage: zel <command> [arguments]\n\nCommands:\n");
+    for (const Command& command : Commands()) printf("  %-10s %s\n", command.name, command.summary);
+    printf("\nzel <command> --help tells more of a command.\n");
+    return 0;
+}
+
+}  // namespace
+
+const std::vector<Command>& Commands() {
+    static const std::vector<Command> commands = {
+        {"demo", "run the bundled samples through the library's services", RunDemo},
+        {"modules", "list the module table of this process", RunModules},
+    };
+    return commands;
+}
+
+int main(int argc, char** argv) {
+    if (argc < 2) {
+        Help();
+        return 2;
+    }
+    if (!strcmp(argv[1], "--help") || !strcmp(argv[1], "-h") || !strcmp(argv[1], "help")) return Help();
+    for (const Command& command : Commands())
+        if (!strcmp(argv[1], command.name)) return command.run(Args(argv + 2, argv + argc));
+    fprintf(stderr, "zel: unknown command '%s' (see zel --help)\n", argv[1]);
+    return 2;
+}

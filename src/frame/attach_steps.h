@@ -1,0 +1,12 @@
+// The steps of process attach and detach that belong to the path table and the code tables.
+#ifndef ZEL_FRAME_ATTACH_STEPS_H
+#define ZEL_FRAME_ATTACH_STEPS_H
+
+// Enters the default paths into the path table.
+void ZelRegisterDefaultPaths();
+// Frees the path table.
+void ZelFreePathTable();
+// Releases the code tables loaded since start.
+void UnloadUnicodeTbl();
+
+#endif  // ZEL_FRAME_ATTACH_STEPS_H

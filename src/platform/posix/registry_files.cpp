@@ -1,0 +1,172 @@
+// File operations of the registry's store. Writes are atomic: a temporary file in the same directory
+// is written, flushed and renamed over the target, and the directory is flushed, so a reader sees
+// either the old file or the new one, and a crash leaves one of them.
+#include "platform/posix/registry_files.h"
+
+#include <errno.h>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "platform/posix/registry_format.h"
+#include "platform/win32.h"
+
+namespace zelreg {
+
+WriteFunction g_writeFile = &::write;
+
+namespace {
+
+FileVersion VersionOf(const struct stat& st) {
+    FileVersion version;
+    version.exists = true;
+    version.device = st.st_dev;
+    version.inode = st.st_ino;
+    version.size = st.st_size;
+    version.mtimeNs = static_cast<int64_t>(st.st_mtim.tv_sec) * 1000000000 + st.st_mtim.tv_nsec;
+    return version;
+}
+
+std::string DirectoryOf(const std::string& path) {
+    size_t slash = path.rfind('/');
+    if (slash == std::string::npos) return ".";
+    return slash == 0 ? "/" : path.substr(0, slash);
+}
+
+bool WriteAll(int fd, const uint8_t* data, size_t size) {
+    while (size > 0) {
+        ssize_t n = g_writeFile(fd, data, size);
+        if (n < 0 && errno == EINTR) continue;
+        if (n <= 0) {
+            if (n == 0) errno = EIO;
+            return false;
+        }
+        data += n;
+        size -= static_cast<size_t>(n);
+    }
+    return true;
+}
+
+void SyncDirectory(const std::string& dir) {
+    int fd = open(dir.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (fd < 0) return;
+    // The rename is done; a directory that cannot be flushed does not undo it.
+    fsync(fd);
+    close(fd);
+}
+
+}  // namespace
+
+LONG IoStatus(int error) {
+    DWORD code = error ? ZelPlatformErrorFromErrno(error) : 0;
+    return code ? static_cast<LONG>(code) : ERROR_REGISTRY_IO_FAILED;
+}
+
+FileVersion ProbeFile(const std::string& path, bool readStamp) {
+    if (!readStamp) {
+        struct stat st;
+        if (stat(path.c_str(), &st) != 0) return {};
+        return VersionOf(st);
+    }
+    int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0) return {};
+    struct stat st;
+    FileVersion version;
+    if (fstat(fd, &st) == 0) {
+        version = VersionOf(st);
+        uint8_t header[kHeaderBytes];
+        ssize_t n = pread(fd, header, sizeof header, 0);
+        version.stamp = n > 0 ? ReadHeaderStamp(header, static_cast<size_t>(n)) : 0;
+    }
+    close(fd);
+    return version;
+}
+
+LONG ReadWholeFile(const std::string& path, std::vector<uint8_t>& bytes, FileVersion& version) {
+    bytes.clear();
+    version = {};
+    int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0) return errno == ENOENT ? ERROR_SUCCESS : IoStatus(errno);
+    struct stat st;
+    if (fstat(fd, &st) != 0) {
+        int error = errno;
+        close(fd);
+        return IoStatus(error);
+    }
+    version = VersionOf(st);
+    if (st.st_size > 0) bytes.reserve(static_cast<size_t>(st.st_size));
+    uint8_t buffer[65536];
+    for (;;) {
+        ssize_t n = read(fd, buffer, sizeof buffer);
+        if (n < 0 && errno == EINTR) continue;
+        if (n < 0) {
+            int error = errno;
+            close(fd);
+            return IoStatus(error);
+        }
+        if (n == 0) break;
+        bytes.insert(bytes.end(), buffer, buffer + n);
+    }
+    close(fd);
+    return ERROR_SUCCESS;
+}
+
+LONG ReplaceFile(const std::string& path, const std::vector<uint8_t>& bytes, FileVersion& version) {
+    std::string dir = DirectoryOf(path);
+    std::string temp = path + ".XXXXXX";
+    int fd = mkostemp(temp.data(), O_CLOEXEC);
+    if (fd < 0) return IoStatus(errno);
+    struct stat st;
+    if (!WriteAll(fd, bytes.data(), bytes.size()) || fsync(fd) != 0 || fstat(fd, &st) != 0) {
+        int error = errno;
+        close(fd);
+        unlink(temp.c_str());
+        return IoStatus(error);
+    }
+    close(fd);
+    if (rename(temp.c_str(), path.c_str()) != 0) {
+        int error = errno;
+        unlink(temp.c_str());
+        return IoStatus(error);
+    }
+    SyncDirectory(dir);
+    version = VersionOf(st);
+    version.stamp = ReadHeaderStamp(bytes.data(), bytes.size());
+    return ERROR_SUCCESS;
+}
+
+LONG MakeDirectories(const std::string& path, mode_t mode) {
+    if (path.empty()) return ERROR_PATH_NOT_FOUND;
+    struct stat st;
+    if (stat(path.c_str(), &st) == 0) return S_ISDIR(st.st_mode) ? ERROR_SUCCESS : ERROR_DIRECTORY;
+    size_t slash = path.find_last_not_of('/');
+    slash = slash == std::string::npos ? std::string::npos : path.rfind('/', slash);
+    if (slash != std::string::npos && slash > 0) {
+        LONG status = MakeDirectories(path.substr(0, slash), mode);
+        if (status != ERROR_SUCCESS) return status;
+    }
+    if (mkdir(path.c_str(), mode) != 0 && errno != EEXIST) return IoStatus(errno);
+    return ERROR_SUCCESS;
+}
+
+FileLock::FileLock(const std::string& path, bool exclusive, bool create) {
+    fd_ = open(path.c_str(), (create ? O_RDWR | O_CREAT : O_RDONLY) | O_CLOEXEC, 0666);
+    if (fd_ < 0) {
+        status_ = IoStatus(errno);
+        return;
+    }
+    while (flock(fd_, exclusive ? LOCK_EX : LOCK_SH) != 0) {
+        if (errno == EINTR) continue;
+        status_ = IoStatus(errno);
+        close(fd_);
+        fd_ = -1;
+        return;
+    }
+}
+
+FileLock::~FileLock() {
+    if (fd_ >= 0) close(fd_);
+}
+
+}  // namespace zelreg
