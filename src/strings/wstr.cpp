@@ -241,7 +241,7 @@ struct FormatWriter {
     }
 };
 
-struct Spec {
+struct Directive {
     bool left = false;
     bool zero = false;
     size_t width = 0;
@@ -250,14 +250,14 @@ struct Spec {
     enum { Int, Long64, Size } size = Int;
 };
 
-void PutPadded(FormatWriter& w, const Spec& spec, const WCHAR* text, size_t length) {
-    size_t pad = spec.width > length ? spec.width - length : 0;
-    if (!spec.left) w.Repeat(u' ', pad);
+void PutPadded(FormatWriter& w, const Directive& directive, const WCHAR* text, size_t length) {
+    size_t pad = directive.width > length ? directive.width - length : 0;
+    if (!directive.left) w.Repeat(u' ', pad);
     for (size_t i = 0; i < length; ++i) w.Put(text[i]);
-    if (spec.left) w.Repeat(u' ', pad);
+    if (directive.left) w.Repeat(u' ', pad);
 }
 
-void PutNumber(FormatWriter& w, const Spec& spec, uint64_t magnitude, bool negative, unsigned base, bool upper) {
+void PutNumber(FormatWriter& w, const Directive& directive, uint64_t magnitude, bool negative, unsigned base, bool upper) {
     WCHAR digits[24];
     size_t n = 0;
     const char* set = upper ? "0123456789ABCDEF" : "0123456789abcdef";
@@ -265,19 +265,19 @@ void PutNumber(FormatWriter& w, const Spec& spec, uint64_t magnitude, bool negat
         digits[n++] = static_cast<WCHAR>(set[magnitude % base]);
         magnitude /= base;
     } while (magnitude);
-    if (spec.hasPrecision && spec.precision == 0 && n == 1 && digits[0] == u'0') n = 0;
+    if (directive.hasPrecision && directive.precision == 0 && n == 1 && digits[0] == u'0') n = 0;
 
-    size_t precisionZeros = spec.hasPrecision && spec.precision > n ? spec.precision - n : 0;
+    size_t precisionZeros = directive.hasPrecision && directive.precision > n ? directive.precision - n : 0;
     size_t body = n + precisionZeros + (negative ? 1 : 0);
-    size_t pad = spec.width > body ? spec.width - body : 0;
-    bool zeroPad = spec.zero && !spec.left && !spec.hasPrecision;
+    size_t pad = directive.width > body ? directive.width - body : 0;
+    bool zeroPad = directive.zero && !directive.left && !directive.hasPrecision;
 
-    if (!spec.left && !zeroPad) w.Repeat(u' ', pad);
+    if (!directive.left && !zeroPad) w.Repeat(u' ', pad);
     if (negative) w.Put(u'-');
     if (zeroPad) w.Repeat(u'0', pad);
     w.Repeat(u'0', precisionZeros);
     while (n) w.Put(digits[--n]);
-    if (spec.left) w.Repeat(u' ', pad);
+    if (directive.left) w.Repeat(u' ', pad);
 }
 
 size_t ReadCount(const WCHAR*& f, va_list& args, bool& leftFromStar) {
@@ -311,22 +311,22 @@ int _vsnwprintf(WCHAR* buffer, size_t count, const WCHAR* format, va_list args) 
             continue;
         }
         const WCHAR* start = f++;
-        Spec spec;
+        Directive directive;
         for (;; ++f) {
             if (*f == u'-')
-                spec.left = true;
+                directive.left = true;
             else if (*f == u'0')
-                spec.zero = true;
+                directive.zero = true;
             else if (*f != u'+' && *f != u' ' && *f != u'#')
                 break;
         }
-        spec.width = ReadCount(f, ap, spec.left);
+        directive.width = ReadCount(f, ap, directive.left);
         if (*f == u'.') {
             ++f;
             bool ignored = false;
-            spec.hasPrecision = true;
-            spec.precision = ReadCount(f, ap, ignored);
-            if (ignored) spec.hasPrecision = false;  // a negative precision counts as none
+            directive.hasPrecision = true;
+            directive.precision = ReadCount(f, ap, ignored);
+            if (ignored) directive.hasPrecision = false;  // a negative precision counts as none
         }
         // Length modifiers. LONG and DWORD are 32 bits, so 'l' names a 32-bit value as on the
         // system this format comes from; 'll' and 'I64' name 64 bits, 'z' and 'I' a size.
@@ -337,16 +337,16 @@ int _vsnwprintf(WCHAR* buffer, size_t count, const WCHAR* format, va_list args) 
             ++f;
             if (*f == u'l') {
                 ++f;
-                spec.size = Spec::Long64;
+                directive.size = Directive::Long64;
             }
         } else if (f[0] == u'I' && f[1] == u'6' && f[2] == u'4') {
             f += 3;
-            spec.size = Spec::Long64;
+            directive.size = Directive::Long64;
         } else if (f[0] == u'I' && f[1] == u'3' && f[2] == u'2') {
             f += 3;
         } else if (*f == u'I' || *f == u'z') {
             ++f;
-            spec.size = Spec::Size;
+            directive.size = Directive::Size;
         }
 
         WCHAR conversion = *f;
@@ -359,15 +359,15 @@ int _vsnwprintf(WCHAR* buffer, size_t count, const WCHAR* format, va_list args) 
         case u'C': {
             WCHAR c = static_cast<WCHAR>(va_arg(ap, int));
             if (conversion == u'C') c = static_cast<WCHAR>(static_cast<unsigned char>(c));
-            PutPadded(w, spec, &c, 1);
+            PutPadded(w, directive, &c, 1);
             break;
         }
         case u's': {
             const WCHAR* s = va_arg(ap, const WCHAR*);
             if (!s) s = u"(null)";
             size_t n = 0;
-            while ((!spec.hasPrecision || n < spec.precision) && s[n]) ++n;
-            PutPadded(w, spec, s, n);
+            while ((!directive.hasPrecision || n < directive.precision) && s[n]) ++n;
+            PutPadded(w, directive, s, n);
             break;
         }
         case u'S': {
@@ -375,35 +375,35 @@ int _vsnwprintf(WCHAR* buffer, size_t count, const WCHAR* format, va_list args) 
             const char* s = va_arg(ap, const char*);
             ZelAnsiArg wide = ZelPlatformAnsiToWide(s ? s : "(null)");
             size_t n = wide.text.size();
-            if (spec.hasPrecision && spec.precision < n) n = spec.precision;
-            PutPadded(w, spec, wide.text.data(), n);
+            if (directive.hasPrecision && directive.precision < n) n = directive.precision;
+            PutPadded(w, directive, wide.text.data(), n);
             break;
         }
         case u'd':
         case u'i': {
             int64_t value;
-            if (spec.size == Spec::Long64)
+            if (directive.size == Directive::Long64)
                 value = va_arg(ap, long long);
-            else if (spec.size == Spec::Size)
+            else if (directive.size == Directive::Size)
                 value = static_cast<int64_t>(va_arg(ap, ptrdiff_t));
             else
                 value = va_arg(ap, int);
             bool negative = value < 0;
             uint64_t magnitude = negative ? 0 - static_cast<uint64_t>(value) : static_cast<uint64_t>(value);
-            PutNumber(w, spec, magnitude, negative, 10, false);
+            PutNumber(w, directive, magnitude, negative, 10, false);
             break;
         }
         case u'u':
         case u'x':
         case u'X': {
             uint64_t value;
-            if (spec.size == Spec::Long64)
+            if (directive.size == Directive::Long64)
                 value = va_arg(ap, unsigned long long);
-            else if (spec.size == Spec::Size)
+            else if (directive.size == Directive::Size)
                 value = va_arg(ap, size_t);
             else
                 value = va_arg(ap, unsigned int);
-            PutNumber(w, spec, value, false, conversion == u'u' ? 10 : 16, conversion == u'X');
+            PutNumber(w, directive, value, false, conversion == u'u' ? 10 : 16, conversion == u'X');
             break;
         }
         default:

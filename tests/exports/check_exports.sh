@@ -9,7 +9,7 @@ expected=$(cat "$here"/*.txt | sed -e 's/#.*//' -e 's/[[:space:]]*$//' | grep -v
 exported=$(nm -DC --defined-only "$library" \
   | awk '$2 ~ /^[TWDBVRi]$/ { $1 = ""; $2 = ""; sub(/^  /, ""); print }' \
   | sed -e 's/(.*$//' \
-  | grep -v -E '^(std::|__gnu_cxx::|typeinfo|vtable|VTT|guard variable|construction vtable|_init$|_fini$|_edata$|_end$|__bss_start$)' \
+  | grep -v -E '^(_init|_fini|_edata|_end|__bss_start)$' \
   | sort -u)
 
 missing=$(comm -23 <(echo "$expected") <(echo "$exported"))

@@ -24,7 +24,7 @@ public:
     ProgramResult Probe(const std::string& lcid, const std::string& command = "modules",
                         std::map<std::string, std::optional<std::string>> env = {}) {
         env["ZEL_LCID"] = lcid;
-        env["ZEL_DEBUG"] = std::nullopt;
+        env.emplace("ZEL_DEBUG", std::nullopt);
         return RunProgram(ZEL_TEST_PROBE_PATH, {command}, env);
     }
 

@@ -179,7 +179,7 @@ TEST(CodePages, LongTextCrossesInternalChunks) {
     EXPECT_EQ(ToWide(949, cp949), text);
 }
 
-TEST(CodePages, SurrogatesInTheUnicodeForms) {
+TEST(CodePages, TheUnicodeForms) {
     EXPECT_EQ(ToBytes(CP_UTF8, u"\xD83D\xDE00"), "\xF0\x9F\x98\x80");
     EXPECT_EQ(ToWide(CP_UTF8, "\xF0\x9F\x98\x80"), u"\xD83D\xDE00");
     // Lone surrogates become U+FFFD, or fail when strict.
@@ -200,6 +200,12 @@ TEST(CodePages, SurrogatesInTheUnicodeForms) {
 
     std::u16string mixed = u"Hi \xD55C\xAE00 + 1";
     EXPECT_EQ(ToWide(CP_UTF7, ToBytes(CP_UTF7, mixed)), mixed);
+    // In UTF-7 too a terminator stays one zero.
+    EXPECT_EQ(WideCharToMultiByte(CP_UTF7, 0, u"\xD55C", -1, bytes, 16, nullptr, nullptr), 6);
+    EXPECT_EQ(std::string(bytes, 6), std::string("+1Vw-\0", 6));
+    WCHAR wide[4];
+    EXPECT_EQ(MultiByteToWideChar(CP_UTF7, 0, "+1Vw", -1, wide, 4), 2);
+    EXPECT_EQ(std::u16string(wide, 2), std::u16string(u"\xD55C\0", 2));
 }
 
 TEST(CodePages, AnsiCodePageFollowsTheSystemLanguage) {

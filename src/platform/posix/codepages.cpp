@@ -312,7 +312,24 @@ DWORD Decode(const ZelCodePage& page, const char* s, size_t n, bool strict, Wide
     case ZelCodePageKind::Utf32BE:
         return DecodeUtf32(bytes, n, page.kind == ZelCodePageKind::Utf32BE, strict, sink);
     case ZelCodePageKind::Utf7:
-        return DecodeIconv(page, s, n, strict, sink);
+        // iconv takes a zero byte for no UTF-7 at all; here it is the zero character, as a
+        // terminator must be, and each stretch between zeros is a text of its own.
+        for (size_t i = 0; i < n;) {
+            const char* zero = static_cast<const char*>(std::memchr(s + i, 0, n - i));
+            size_t end = zero ? static_cast<size_t>(zero - s) : n;
+            if (end > i) {
+                size_t before = sink.count;
+                if (DWORD error = DecodeIconv(page, s + i, end - i, strict, sink)) return error;
+                // Shift sequences that carry no whole character are malformed.
+                if (sink.count == before) {
+                    if (strict) return ERROR_NO_UNICODE_TRANSLATION;
+                    if (!sink.Put(kReplacement)) return ERROR_INSUFFICIENT_BUFFER;
+                }
+            }
+            if (zero && !sink.Put(u'\0')) return ERROR_INSUFFICIENT_BUFFER;
+            i = end + 1;
+        }
+        return 0;
     case ZelCodePageKind::Iconv: {
         // A byte below 0x80 that no lead byte precedes is a character of its own.
         size_t run = AsciiPrefix(bytes, n);
@@ -502,7 +519,17 @@ DWORD Encode(const ZelCodePage& page, const WCHAR* s, size_t n, bool strict, Def
             }
             i += units;
         }
-        return EncodeIconv(page, clean.data(), n, strict, nullptr, sink);
+        // The zero character stays a zero byte rather than a shifted sequence, so that a
+        // terminator is one.
+        for (size_t i = 0; i < n;) {
+            size_t end = i;
+            while (end < n && clean[end]) ++end;
+            if (end > i)
+                if (DWORD error = EncodeIconv(page, clean.data() + i, end - i, strict, nullptr, sink)) return error;
+            if (end < n && !sink.Put('\0')) return ERROR_INSUFFICIENT_BUFFER;
+            i = end + 1;
+        }
+        return 0;
     }
     default:
         return EncodeUnicode(page.kind, s, n, strict, sink);

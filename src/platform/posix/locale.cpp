@@ -162,7 +162,17 @@ LCID LcidOverride(const char* name) {
 LCID LocaleLcid(const char* overrideName, std::initializer_list<const char*> variables) {
     if (LCID overridden = LcidOverride(overrideName)) return overridden;
     const char* name = FirstSet(variables);
-    return name ? LcidFromLocaleName(name) : kDefaultLcid;
+    if (!name) return kDefaultLcid;
+    // The code page calls ask on every conversion; the last answer per thread spares the table.
+    thread_local char lastName[64] = "";
+    thread_local LCID lastLcid = kDefaultLcid;
+    if (std::strcmp(name, lastName) == 0) return lastLcid;
+    LCID lcid = LcidFromLocaleName(name);
+    if (std::strlen(name) < sizeof lastName) {
+        std::strcpy(lastName, name);
+        lastLcid = lcid;
+    }
+    return lcid;
 }
 
 }  // namespace

@@ -5,20 +5,21 @@
 #include <pthread.h>
 
 #include <mutex>
-#include <vector>
 
 #include "platform/win32.h"
 
 namespace {
 
-// Win32 hands out small slot numbers; each stands for one POSIX key.
+// Win32 hands out small slot numbers; each stands for one POSIX key. The table is plain data: the
+// detach at unload may run after the library's static objects are gone.
 struct Slot {
     pthread_key_t key;
     bool used;
 };
-std::mutex slotLock;
-std::vector<Slot> slots;
 constexpr size_t kMaxSlots = 1088;  // as many as Win32 offers a process
+std::mutex slotLock;
+Slot slots[kMaxSlots];
+size_t slotCount = 0;  // slots ever handed out; the ones above are unused
 
 // A thread that stored something in a slot gets a thread detach when it ends. The key's value is
 // only a mark; its destructor runs the entry point for that thread. A thread that never used a
@@ -32,7 +33,7 @@ void OnThreadExit(void*) { DllMain(reinterpret_cast<HINSTANCE>(ownModule), DLL_T
 
 bool SlotKey(DWORD index, pthread_key_t* key) {
     std::lock_guard<std::mutex> guard(slotLock);
-    if (index >= slots.size() || !slots[index].used) return false;
+    if (index >= slotCount || !slots[index].used) return false;
     *key = slots[index].key;
     return true;
 }
@@ -70,7 +71,7 @@ void ZelPlatformProcessDetach() {
 DWORD TlsAlloc() {
     std::lock_guard<std::mutex> guard(slotLock);
     size_t index = 0;
-    while (index < slots.size() && slots[index].used) ++index;
+    while (index < slotCount && slots[index].used) ++index;
     if (index >= kMaxSlots) {
         SetLastError(ERROR_NO_MORE_ITEMS);
         return TLS_OUT_OF_INDEXES;
@@ -80,14 +81,14 @@ DWORD TlsAlloc() {
         SetLastError(ERROR_NO_MORE_ITEMS);
         return TLS_OUT_OF_INDEXES;
     }
-    if (index == slots.size()) slots.push_back({});
+    if (index == slotCount) ++slotCount;
     slots[index] = {key, true};
     return static_cast<DWORD>(index);
 }
 
 BOOL TlsFree(DWORD index) {
     std::lock_guard<std::mutex> guard(slotLock);
-    if (index >= slots.size() || !slots[index].used) {
+    if (index >= slotCount || !slots[index].used) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return FALSE;
     }

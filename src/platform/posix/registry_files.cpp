@@ -63,12 +63,7 @@ LONG IoStatus(int error) {
     return code ? static_cast<LONG>(code) : ERROR_REGISTRY_IO_FAILED;
 }
 
-FileVersion ProbeFile(const std::string& path, bool readStamp) {
-    if (!readStamp) {
-        struct stat st;
-        if (stat(path.c_str(), &st) != 0) return {};
-        return VersionOf(st);
-    }
+FileVersion ProbeFile(const std::string& path) {
     int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC);
     if (fd < 0) return {};
     struct stat st;
@@ -133,6 +128,19 @@ LONG ReplaceFile(const std::string& path, const std::vector<uint8_t>& bytes, Fil
     SyncDirectory(dir);
     version = VersionOf(st);
     version.stamp = ReadHeaderStamp(bytes.data(), bytes.size());
+    return ERROR_SUCCESS;
+}
+
+LONG WriteNewFile(const std::string& path, const std::vector<uint8_t>& bytes) {
+    int fd = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    if (fd < 0) return errno == EEXIST ? ERROR_ALREADY_EXISTS : IoStatus(errno);
+    if (!WriteAll(fd, bytes.data(), bytes.size()) || fsync(fd) != 0) {
+        int error = errno;
+        close(fd);
+        unlink(path.c_str());
+        return IoStatus(error);
+    }
+    close(fd);
     return ERROR_SUCCESS;
 }
 

@@ -34,9 +34,9 @@ struct FileVersion {
     }
 };
 
-// The version of the file at path now; with readStamp, its header's stamp too (a damaged header
-// gives 0). A file that cannot be looked at counts as missing.
-FileVersion ProbeFile(const std::string& path, bool readStamp);
+// The version of the file at path now, with its header's stamp (0 for a damaged header). A file that
+// cannot be opened counts as missing.
+FileVersion ProbeFile(const std::string& path);
 
 // The whole file, with its version. ERROR_SUCCESS with exists false when there is no file.
 LONG ReadWholeFile(const std::string& path, std::vector<uint8_t>& bytes, FileVersion& version);
@@ -44,6 +44,10 @@ LONG ReadWholeFile(const std::string& path, std::vector<uint8_t>& bytes, FileVer
 // Writes bytes to a new file beside path, flushes it, renames it over path and flushes the
 // directory. On failure path is untouched. version receives the new file's version.
 LONG ReplaceFile(const std::string& path, const std::vector<uint8_t>& bytes, FileVersion& version);
+
+// Writes bytes to a new file, which must not exist yet (ERROR_ALREADY_EXISTS), and flushes it. On
+// failure the file is removed again.
+LONG WriteNewFile(const std::string& path, const std::vector<uint8_t>& bytes);
 
 // Makes a directory and its parents.
 LONG MakeDirectories(const std::string& path, mode_t mode);

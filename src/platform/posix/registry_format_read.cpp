@@ -158,9 +158,9 @@ RegKey* HiveLoader::PlaceKey(const std::vector<std::u16string>& path, uint64_t i
             continue;
         }
         bool last = i + 1 == path.size();
-        // A parent made anew is volatile when what is placed below it is, since nothing lasting may
-        // sit below a volatile key.
-        bool subIsVolatile = key->isVolatile || keyIsVolatile;
+        // A parent made anew is volatile when what is placed below it is, or what it is placed
+        // below, since nothing lasting may sit below a volatile key.
+        bool subIsVolatile = last ? keyIsVolatile : key->isVolatile || keyIsVolatile;
         key = key->AddSubKey(path[i], UniqueId(last ? id : 0, prefix), subIsVolatile);
         if (last) {
             fresh = true;

@@ -27,6 +27,10 @@ enum HiveIndex : int {
 int HiveOfPredefined(HKEY key);
 bool HiveExists(int hive);
 
+// The keys that every hive of the user and of the machine has ("Software"). They are there even
+// before the hive's file is, and cannot be deleted.
+bool IsDefaultKey(int hive, const RegKey& key);
+
 std::mutex& RegistryMutex();
 
 // The directory of the hive files (ZEL_REGISTRY_DIR, or the default below the user's configuration
@@ -42,9 +46,6 @@ Hive& CurrentHive(int hive);
 // the save's when the save failed; then the hive is read back from its files, which still hold
 // what they held before.
 LONG ChangeHive(int hive, const std::function<LONG(Hive&)>& apply);
-
-// Writes bytes to a new file, which must not exist yet (ERROR_ALREADY_EXISTS), and flushes it.
-LONG WriteNewFile(const std::string& path, const std::vector<uint8_t>& bytes);
 
 }  // namespace zelreg
 

@@ -89,6 +89,16 @@ struct Hive {
     }
     // Marks the file that holds key as changed.
     void MarkChanged(const RegKey* key) { (key->isVolatile ? volatileDirty : persistentDirty) = true; }
+    // Records that child was added below parent or is about to be removed from it. The parent's
+    // time of last write moves only when both live in the same file: a volatile key's coming and
+    // going never rewrites the persistent file.
+    void SubKeyChanged(RegKey* parent, const RegKey* child) {
+        MarkChanged(child);
+        if (parent->isVolatile == child->isVolatile) {
+            parent->Touch();
+            MarkChanged(parent);
+        }
+    }
 };
 
 }  // namespace zelreg

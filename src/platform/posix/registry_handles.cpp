@@ -1,0 +1,89 @@
+// The table of key handles. Values start well above zero, grow by four as the system's handles do
+// and are never given twice in a process, so a closed handle cannot come to mean another key; they
+// stay far below the predefined handles, whose values have the top bit set.
+#include "platform/posix/registry_handles.h"
+
+#include <unordered_map>
+
+#include "platform/posix/registry_store.h"
+
+namespace zelreg {
+namespace {
+
+constexpr REGSAM kMaximumAllowed = 0x02000000;
+constexpr REGSAM kGenericAll = 0x10000000;
+constexpr REGSAM kGenericExecute = 0x20000000;
+constexpr REGSAM kGenericWrite = 0x40000000;
+constexpr REGSAM kGenericRead = 0x80000000;
+
+struct HandleTable {
+    uintptr_t next = 0x1000;
+    std::unordered_map<uintptr_t, KeyRef> refs;
+};
+
+// Never destroyed, so that a handle closed while the process ends finds its table.
+HandleTable& Table() {
+    static HandleTable* table = new HandleTable;
+    return *table;
+}
+
+}  // namespace
+
+REGSAM GrantedAccess(REGSAM access) {
+    REGSAM granted = access & 0x00FFFFFF & ~static_cast<REGSAM>(KEY_WOW64_32KEY | KEY_WOW64_64KEY);
+    if (access & (kMaximumAllowed | kGenericAll)) granted |= KEY_ALL_ACCESS;
+    if (access & kGenericRead) granted |= KEY_READ;
+    if (access & kGenericWrite) granted |= KEY_WRITE;
+    if (access & kGenericExecute) granted |= KEY_EXECUTE;
+    return granted;
+}
+
+bool LookUpHandle(HKEY key, KeyRef& ref) {
+    int hive = HiveOfPredefined(key);
+    if (hive >= 0) {
+        ref = KeyRef{};
+        ref.hive = hive;
+        ref.access = KEY_ALL_ACCESS;
+        return true;
+    }
+    auto it = Table().refs.find(reinterpret_cast<uintptr_t>(key));
+    if (it == Table().refs.end()) return false;
+    ref = it->second;
+    return true;
+}
+
+HKEY AddHandle(int hive, const RegKey& key, REGSAM access) {
+    HandleTable& table = Table();
+    KeyRef ref;
+    ref.hive = hive;
+    ref.path = key.Path();
+    ref.id = key.id;
+    ref.access = GrantedAccess(access);
+    uintptr_t value = table.next;
+    table.next += 4;
+    table.refs.emplace(value, std::move(ref));
+    return reinterpret_cast<HKEY>(value);
+}
+
+bool RemoveHandle(HKEY key) { return Table().refs.erase(reinterpret_cast<uintptr_t>(key)) != 0; }
+
+RegKey* ResolveRef(Hive& hive, const KeyRef& ref, LONG& status) {
+    RegKey* key = FindPath(hive.root.get(), ref.path);
+    if (!key || (!ref.path.empty() && key->id != ref.id)) {
+        status = ERROR_KEY_DELETED;
+        return nullptr;
+    }
+    status = ERROR_SUCCESS;
+    return key;
+}
+
+LONG KeyForReading(HKEY handle, REGSAM need, KeyRef& ref, RegKey*& key) {
+    key = nullptr;
+    if (!LookUpHandle(handle, ref)) return ERROR_INVALID_HANDLE;
+    if ((ref.access & need) != need) return ERROR_ACCESS_DENIED;
+    LONG status = ERROR_SUCCESS;
+    key = ResolveRef(CurrentHive(ref.hive), ref, status);
+    return status;
+}
+
+}  // namespace zelreg

@@ -1,0 +1,73 @@
+// What the registry's suites share: a registry of their own in a fresh directory, and short helpers
+// over the wide calls.
+#ifndef ZEL_TESTS_PLATFORM_REGISTRY_FIXTURE_H
+#define ZEL_TESTS_PLATFORM_REGISTRY_FIXTURE_H
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "platform/posix/registry_tree.h"  // the status codes the common header lacks
+#include "platform/win32.h"
+#include "support/support.h"
+
+class RegistryTest : public ::testing::Test {
+protected:
+    zeltest::TempDir dir_;
+    zeltest::ScopedEnv registryDir_{"ZEL_REGISTRY_DIR", dir_.file("registry")};
+    zeltest::ScopedEnv runtimeDir_{"XDG_RUNTIME_DIR", dir_.file("run")};
+    zeltest::ScopedEnv ansiCodePage_{"ZEL_ACP", "1252"};
+
+    std::string HiveFile(const char* name = "current_user.hive") const { return dir_.file("registry/") + name; }
+
+    // A key below HKEY_CURRENT_USER, made (or opened) with every right; null on failure.
+    static HKEY Create(const char16_t* path, DWORD options = REG_OPTION_NON_VOLATILE, HKEY parent = HKEY_CURRENT_USER) {
+        HKEY key = nullptr;
+        LONG status = RegCreateKeyExW(parent, path, 0, nullptr, options, KEY_ALL_ACCESS, nullptr, &key, nullptr);
+        EXPECT_EQ(status, ERROR_SUCCESS) << "creating a key";
+        return key;
+    }
+
+    static LONG SetText(HKEY key, const char16_t* name, const std::u16string& text, DWORD type = REG_SZ) {
+        return RegSetValueExW(key, name, 0, type, reinterpret_cast<const BYTE*>(text.c_str()),
+                              static_cast<DWORD>((text.size() + 1) * sizeof(WCHAR)));
+    }
+
+    static LONG SetDword(HKEY key, const char16_t* name, DWORD value) {
+        return RegSetValueExW(key, name, 0, REG_DWORD, reinterpret_cast<const BYTE*>(&value), sizeof value);
+    }
+
+    // The value's text without its terminator, or "<status N>".
+    static std::u16string GetText(HKEY key, const char16_t* name) {
+        WCHAR buffer[512] = {};
+        DWORD size = sizeof buffer - sizeof(WCHAR);
+        LONG status = RegQueryValueExW(key, name, nullptr, nullptr, reinterpret_cast<LPBYTE>(buffer), &size);
+        if (status != ERROR_SUCCESS) return u"<status " + Number(status) + u">";
+        return std::u16string(buffer, size / sizeof(WCHAR)).c_str();
+    }
+
+    static std::vector<std::u16string> SubKeys(HKEY key) {
+        std::vector<std::u16string> names;
+        WCHAR name[256];
+        for (DWORD i = 0; RegEnumKeyW(key, i, name, 256) == ERROR_SUCCESS; ++i) names.push_back(name);
+        return names;
+    }
+
+    static std::vector<std::u16string> ValueNames(HKEY key) {
+        std::vector<std::u16string> names;
+        WCHAR name[256];
+        DWORD size = 256;
+        for (DWORD i = 0; RegEnumValueW(key, i, name, &size, nullptr, nullptr, nullptr, nullptr) == ERROR_SUCCESS;
+             ++i, size = 256)
+            names.push_back(name);
+        return names;
+    }
+
+    static std::u16string Number(long n) {
+        std::string digits = std::to_string(n);
+        return std::u16string(digits.begin(), digits.end());
+    }
+};
+
+#endif  // ZEL_TESTS_PLATFORM_REGISTRY_FIXTURE_H

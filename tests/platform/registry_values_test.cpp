@@ -1,0 +1,235 @@
+// Registry values: sizes and short buffers, types, names, order, the default value and the ANSI
+// calls' conversions.
+#include <cstring>
+
+#include "registry_fixture.h"
+
+using RegistryValues = RegistryTest;
+using Names = std::vector<std::u16string>;
+
+namespace {
+
+std::vector<BYTE> Bytes(const void* data, size_t size) {
+    auto p = static_cast<const BYTE*>(data);
+    return {p, p + size};
+}
+
+}  // namespace
+
+TEST_F(RegistryValues, QueryGivesTypeAndSizeAndTellsOfShortBuffers) {
+    HKEY key = Create(u"Software\\Query");
+    ASSERT_EQ(SetText(key, u"Greeting", u"hello"), ERROR_SUCCESS);
+
+    DWORD type = 0, size = 0;
+    EXPECT_EQ(RegQueryValueExW(key, u"greeting", nullptr, &type, nullptr, &size), ERROR_SUCCESS);
+    EXPECT_EQ(type, static_cast<DWORD>(REG_SZ));
+    EXPECT_EQ(size, 12u);
+
+    BYTE buffer[16];
+    memset(buffer, 0xEE, sizeof buffer);
+    size = 11;
+    EXPECT_EQ(RegQueryValueExW(key, u"Greeting", nullptr, &type, buffer, &size), ERROR_MORE_DATA);
+    EXPECT_EQ(size, 12u);
+    size = 12;
+    EXPECT_EQ(RegQueryValueExW(key, u"Greeting", nullptr, &type, buffer, &size), ERROR_SUCCESS);
+    EXPECT_EQ(std::u16string(reinterpret_cast<const char16_t*>(buffer)), u"hello");
+    EXPECT_EQ(buffer[12], 0xEE);
+
+    EXPECT_EQ(RegQueryValueExW(key, u"Missing", nullptr, &type, nullptr, &size), ERROR_FILE_NOT_FOUND);
+    EXPECT_EQ(RegQueryValueExW(key, nullptr, nullptr, &type, nullptr, &size), ERROR_FILE_NOT_FOUND);
+    EXPECT_EQ(RegQueryValueExW(key, u"Greeting", &size, &type, nullptr, &size), ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(RegQueryValueExW(key, u"Greeting", nullptr, &type, buffer, nullptr), ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(RegSetValueExW(key, u"x", 0, REG_BINARY, nullptr, 4), ERROR_NOACCESS);
+    RegCloseKey(key);
+}
+
+TEST_F(RegistryValues, DataKeepsItsTypeAndBytes) {
+    HKEY key = Create(u"Software\\Types");
+    const BYTE binary[] = {0, 1, 0, 0xFF, 0};
+    const char16_t multi[] = u"one\0two\0";  // with the literal's own terminator: two empty units at the end
+    DWORD dword = 0xDEADBEEF;
+    ASSERT_EQ(RegSetValueExW(key, u"bin", 0, REG_BINARY, binary, sizeof binary), ERROR_SUCCESS);
+    ASSERT_EQ(RegSetValueExW(key, u"multi", 0, REG_MULTI_SZ, reinterpret_cast<const BYTE*>(multi), sizeof multi),
+              ERROR_SUCCESS);
+    ASSERT_EQ(RegSetValueExW(key, u"odd", 0, 0x4321, reinterpret_cast<const BYTE*>(&dword), 3), ERROR_SUCCESS);
+    ASSERT_EQ(RegSetValueExW(key, u"empty", 0, REG_EXPAND_SZ, nullptr, 0), ERROR_SUCCESS);
+
+    auto read = [key](const char16_t* name, DWORD& type) {
+        BYTE buffer[64];
+        DWORD size = sizeof buffer;
+        EXPECT_EQ(RegQueryValueExW(key, name, nullptr, &type, buffer, &size), ERROR_SUCCESS);
+        return Bytes(buffer, size);
+    };
+    DWORD type = 0;
+    EXPECT_EQ(read(u"bin", type), Bytes(binary, sizeof binary));
+    EXPECT_EQ(type, static_cast<DWORD>(REG_BINARY));
+    EXPECT_EQ(read(u"multi", type), Bytes(multi, sizeof multi));
+    EXPECT_EQ(type, static_cast<DWORD>(REG_MULTI_SZ));
+    EXPECT_EQ(read(u"odd", type), Bytes(&dword, 3));
+    EXPECT_EQ(type, 0x4321u);
+    EXPECT_EQ(read(u"empty", type), std::vector<BYTE>{});
+    EXPECT_EQ(type, static_cast<DWORD>(REG_EXPAND_SZ));
+    RegCloseKey(key);
+}
+
+TEST_F(RegistryValues, NamesMatchCaseBlindAndListInOrderOfCreation) {
+    HKEY key = Create(u"Software\\Names");
+    for (const char16_t* name : {u"Zulu", u"alpha", u"Mike"}) ASSERT_EQ(SetDword(key, name, 1), ERROR_SUCCESS);
+    ASSERT_EQ(SetText(key, nullptr, u"default"), ERROR_SUCCESS);
+    ASSERT_EQ(SetDword(key, u"ALPHA", 2), ERROR_SUCCESS);  // replaces, in place, under its first name
+    EXPECT_EQ(ValueNames(key), (Names{u"Zulu", u"alpha", u"Mike", u""}));
+    EXPECT_EQ(GetText(key, u""), u"default");
+
+    EXPECT_EQ(RegDeleteValueW(key, u"zulu"), ERROR_SUCCESS);
+    EXPECT_EQ(RegDeleteValueW(key, u"zulu"), ERROR_FILE_NOT_FOUND);
+    EXPECT_EQ(RegDeleteValueW(key, nullptr), ERROR_SUCCESS);
+    EXPECT_EQ(ValueNames(key), (Names{u"alpha", u"Mike"}));
+    RegCloseKey(key);
+}
+
+TEST_F(RegistryValues, EnumerationWritesNothingWhenEitherBufferIsShort) {
+    HKEY key = Create(u"Software\\Enum");
+    ASSERT_EQ(SetText(key, u"Name", u"abcdef"), ERROR_SUCCESS);
+
+    WCHAR name[8];
+    BYTE data[32];
+    memset(name, 0x55, sizeof name);
+    memset(data, 0x55, sizeof data);
+    DWORD nameSize = 4, dataSize = sizeof data, type = 0;
+    EXPECT_EQ(RegEnumValueW(key, 0, name, &nameSize, nullptr, &type, data, &dataSize), ERROR_MORE_DATA);
+    EXPECT_EQ(nameSize, 4u);
+    EXPECT_EQ(dataSize, 14u);
+    EXPECT_EQ(type, static_cast<DWORD>(REG_SZ));
+    EXPECT_EQ(name[0], 0x5555);
+    EXPECT_EQ(data[0], 0x55);
+
+    nameSize = 5;
+    dataSize = 13;
+    EXPECT_EQ(RegEnumValueW(key, 0, name, &nameSize, nullptr, &type, data, &dataSize), ERROR_MORE_DATA);
+    EXPECT_EQ(dataSize, 14u);
+    EXPECT_EQ(name[0], 0x5555);
+
+    dataSize = 14;
+    EXPECT_EQ(RegEnumValueW(key, 0, name, &nameSize, nullptr, &type, data, &dataSize), ERROR_SUCCESS);
+    EXPECT_EQ(nameSize, 4u);
+    EXPECT_EQ(std::u16string(name), u"Name");
+    EXPECT_EQ(std::u16string(reinterpret_cast<const char16_t*>(data)), u"abcdef");
+    EXPECT_EQ(RegEnumValueW(key, 1, name, &nameSize, nullptr, &type, data, &dataSize), ERROR_NO_MORE_ITEMS);
+    EXPECT_EQ(RegEnumValueW(key, 0, name, nullptr, nullptr, &type, data, &dataSize), ERROR_INVALID_PARAMETER);
+    RegCloseKey(key);
+}
+
+TEST_F(RegistryValues, OldCallsWorkOnTheDefaultValueAsText) {
+    HKEY key = Create(u"Software\\Old");
+    // The size given is not used; the sub-key is made on the way.
+    ASSERT_EQ(RegSetValueW(key, u"Sub\\Deeper", REG_SZ, u"text", 1), ERROR_SUCCESS);
+    EXPECT_EQ(RegSetValueW(key, u"Sub", REG_DWORD, u"text", 10), ERROR_INVALID_PARAMETER);
+
+    WCHAR buffer[16];
+    LONG size = sizeof buffer;
+    EXPECT_EQ(RegQueryValueW(key, u"sub\\deeper", buffer, &size), ERROR_SUCCESS);
+    EXPECT_EQ(size, 10);
+    EXPECT_EQ(std::u16string(buffer), u"text");
+    size = 9;
+    EXPECT_EQ(RegQueryValueW(key, u"Sub\\Deeper", buffer, &size), ERROR_MORE_DATA);
+    EXPECT_EQ(size, 10);
+
+    // A key without a default value reads as empty text; a missing key does not read.
+    size = sizeof buffer;
+    EXPECT_EQ(RegQueryValueW(key, u"Sub", buffer, &size), ERROR_SUCCESS);
+    EXPECT_EQ(size, 2);
+    EXPECT_EQ(buffer[0], 0);
+    EXPECT_EQ(RegQueryValueW(key, u"None", buffer, &size), ERROR_FILE_NOT_FOUND);
+
+    char ansi[16];
+    size = sizeof ansi;
+    EXPECT_EQ(RegQueryValueA(key, "Sub", ansi, &size), ERROR_SUCCESS);
+    EXPECT_EQ(size, 1);
+    size = sizeof ansi;
+    EXPECT_EQ(RegQueryValueA(key, "Sub\\Deeper", ansi, &size), ERROR_SUCCESS);
+    EXPECT_EQ(size, 5);
+    EXPECT_STREQ(ansi, "text");
+    RegCloseKey(key);
+}
+
+TEST_F(RegistryValues, AnsiCallsConvertTextDataAndGiveTheirOwnSizes) {
+    HKEY key = Create(u"Software\\Ansi");
+    const char cafe[] = "caf\xE9";  // "café" in code page 1252: five bytes with the terminator
+    ASSERT_EQ(RegSetValueExA(key, "Drink", 0, REG_SZ, reinterpret_cast<const BYTE*>(cafe), sizeof cafe),
+              ERROR_SUCCESS);
+    DWORD size = 0;
+    EXPECT_EQ(RegQueryValueExW(key, u"Drink", nullptr, nullptr, nullptr, &size), ERROR_SUCCESS);
+    EXPECT_EQ(size, 10u);
+    EXPECT_EQ(GetText(key, u"drink"), u"café");
+
+    DWORD type = 0;
+    size = 0;
+    EXPECT_EQ(RegQueryValueExA(key, "DRINK", nullptr, &type, nullptr, &size), ERROR_SUCCESS);
+    EXPECT_EQ(size, 5u);
+    char text[8] = {};
+    size = 4;
+    EXPECT_EQ(RegQueryValueExA(key, "Drink", nullptr, &type, reinterpret_cast<LPBYTE>(text), &size), ERROR_MORE_DATA);
+    EXPECT_EQ(size, 5u);
+    size = 5;
+    EXPECT_EQ(RegQueryValueExA(key, "Drink", nullptr, &type, reinterpret_cast<LPBYTE>(text), &size), ERROR_SUCCESS);
+    EXPECT_STREQ(text, cafe);
+
+    // Lists convert whole, inner terminators included; other types pass as bytes.
+    const char list[] = "a\0\xE9\0";
+    ASSERT_EQ(RegSetValueExA(key, "List", 0, REG_MULTI_SZ, reinterpret_cast<const BYTE*>(list), sizeof list),
+              ERROR_SUCCESS);
+    const char16_t wideList[] = u"a\0é\0";
+    BYTE buffer[32];
+    size = sizeof buffer;
+    EXPECT_EQ(RegQueryValueExW(key, u"List", nullptr, nullptr, buffer, &size), ERROR_SUCCESS);
+    EXPECT_EQ(Bytes(buffer, size), Bytes(wideList, sizeof wideList));
+    ASSERT_EQ(RegSetValueExA(key, "Raw", 0, REG_BINARY, reinterpret_cast<const BYTE*>(cafe), 4), ERROR_SUCCESS);
+    size = sizeof buffer;
+    EXPECT_EQ(RegQueryValueExW(key, u"Raw", nullptr, nullptr, buffer, &size), ERROR_SUCCESS);
+    EXPECT_EQ(Bytes(buffer, size), Bytes(cafe, 4));
+
+    // Names convert too; enumeration counts the ANSI name and data.
+    ASSERT_EQ(RegSetValueExA(key, "\xC9t\xE9", 0, REG_SZ, reinterpret_cast<const BYTE*>(cafe), sizeof cafe),
+              ERROR_SUCCESS);
+    EXPECT_EQ(GetText(key, u"été"), u"café");
+    char name[8];
+    DWORD nameSize = sizeof name;
+    size = 0;
+    EXPECT_EQ(RegEnumValueA(key, 3, name, &nameSize, nullptr, &type, nullptr, &size), ERROR_SUCCESS);
+    EXPECT_STREQ(name, "\xC9t\xE9");
+    EXPECT_EQ(nameSize, 3u);
+    EXPECT_EQ(size, 5u);
+    nameSize = 3;
+    EXPECT_EQ(RegEnumValueA(key, 3, name, &nameSize, nullptr, &type, nullptr, &size), ERROR_MORE_DATA);
+    RegCloseKey(key);
+}
+
+TEST_F(RegistryValues, AnsiKeyCallsConvertNamesAndClasses) {
+    HKEY key = nullptr;
+    char keyClass[] = "Cl\xE4ss";
+    ASSERT_EQ(RegCreateKeyExA(HKEY_CURRENT_USER, "Software\\\xC7" "a", 0, keyClass, 0, KEY_ALL_ACCESS, nullptr, &key,
+                              nullptr),
+              ERROR_SUCCESS);
+    HKEY same = nullptr;
+    ASSERT_EQ(RegOpenKeyExW(HKEY_CURRENT_USER, u"Software\\ça", 0, KEY_READ, &same), ERROR_SUCCESS);
+    RegCloseKey(same);
+
+    char buffer[8];
+    DWORD size = sizeof buffer;
+    EXPECT_EQ(RegQueryInfoKeyA(key, buffer, &size, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
+                               nullptr, nullptr),
+              ERROR_SUCCESS);
+    EXPECT_STREQ(buffer, keyClass);
+    EXPECT_EQ(size, 5u);
+
+    HKEY software = nullptr;
+    ASSERT_EQ(RegOpenKeyA(HKEY_CURRENT_USER, "software", &software), ERROR_SUCCESS);
+    char name[4];
+    DWORD i = 0;
+    while (RegEnumKeyA(software, i, name, sizeof name) == ERROR_SUCCESS && strcmp(name, "\xC7" "a") != 0) ++i;
+    EXPECT_STREQ(name, "\xC7" "a");
+    EXPECT_EQ(RegEnumKeyA(software, i, name, 2), ERROR_MORE_DATA);
+    EXPECT_EQ(RegDeleteKeyA(software, "\xE7" "A"), ERROR_SUCCESS);
+    RegCloseKey(software);
+    RegCloseKey(key);
+}
