@@ -21,10 +21,9 @@ struct HandleTable {
     std::unordered_map<uintptr_t, KeyRef> refs;
 };
 
-// Never destroyed, so that a handle closed while the process ends finds its table.
 HandleTable& Table() {
-    static HandleTable* table = new HandleTable;
-    return *table;
+    static HandleTable table;
+    return table;
 }
 
 }  // namespace

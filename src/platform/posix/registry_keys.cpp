@@ -14,13 +14,22 @@ namespace {
 
 constexpr REGSAM kMaximumAllowed = 0x02000000;
 
-// Splits a sub-key for a call that may create it: every name must fit the system's limit.
-LONG SplitNewPath(LPCWSTR subKey, std::vector<std::u16string>& parts) {
-    LONG status = SplitPath(subKey, parts);
+// A call's key handle and sub-key, taken apart.
+struct Located {
+    std::vector<std::u16string> parts;  // of the sub-key
+    KeyRef ref;                         // of the handle
+    RegKey* base = nullptr;             // the handle's key
+};
+
+// Under the registry's lock: splits subKey and finds the key that handle names. For a call that may
+// create the sub-key, every name must fit the system's limit.
+LONG Locate(HKEY handle, LPCWSTR subKey, bool creating, Located& at) {
+    LONG status = SplitPath(subKey, at.parts);
     if (status != ERROR_SUCCESS) return status;
-    for (const auto& part : parts)
-        if (part.size() > kMaxKeyNameLength) return ERROR_INVALID_PARAMETER;
-    return ERROR_SUCCESS;
+    if (creating)
+        for (const auto& part : at.parts)
+            if (part.size() > kMaxKeyNameLength) return ERROR_INVALID_PARAMETER;
+    return KeyForReading(handle, 0, at.ref, at.base);
 }
 
 }  // namespace
@@ -29,17 +38,13 @@ LONG RegOpenKeyExW(HKEY key, LPCWSTR subKey, DWORD options, REGSAM access, PHKEY
     (void)options;
     if (!result) return ERROR_INVALID_PARAMETER;
     *result = nullptr;
-    std::vector<std::u16string> parts;
-    LONG status = SplitPath(subKey, parts);
-    if (status != ERROR_SUCCESS) return status;
     std::lock_guard<std::mutex> lock(RegistryMutex());
-    KeyRef ref;
-    RegKey* base = nullptr;
-    status = KeyForReading(key, 0, ref, base);
+    Located at;
+    LONG status = Locate(key, subKey, false, at);
     if (status != ERROR_SUCCESS) return status;
-    RegKey* target = FindPath(base, parts);
+    RegKey* target = FindPath(at.base, at.parts);
     if (!target) return ERROR_FILE_NOT_FOUND;
-    *result = AddHandle(ref.hive, *target, access);
+    *result = AddHandle(at.ref.hive, *target, access);
     return ERROR_SUCCESS;
 }
 
@@ -59,43 +64,39 @@ LONG RegCreateKeyExW(HKEY key, LPCWSTR subKey, DWORD reserved, LPWSTR keyClass, 
     (void)security;
     if (!result) return ERROR_INVALID_PARAMETER;
     *result = nullptr;
-    std::vector<std::u16string> parts;
-    LONG status = SplitNewPath(subKey, parts);
-    if (status != ERROR_SUCCESS) return status;
     std::u16string newClass = keyClass ? std::u16string(keyClass) : std::u16string();
     if (newClass.size() > kMaxClassLength) return ERROR_INVALID_PARAMETER;
     bool makeVolatile = (options & REG_OPTION_VOLATILE) != 0;
 
     std::lock_guard<std::mutex> lock(RegistryMutex());
-    KeyRef ref;
-    RegKey* base = nullptr;
-    status = KeyForReading(key, 0, ref, base);
+    Located at;
+    LONG status = Locate(key, subKey, true, at);
     if (status != ERROR_SUCCESS) return status;
-    if (ref.path.size() + parts.size() > kMaxKeyDepth) return ERROR_INVALID_PARAMETER;
+    if (at.ref.path.size() + at.parts.size() > kMaxKeyDepth) return ERROR_INVALID_PARAMETER;
     // A key that is there already opens without the lock for changes.
-    if (RegKey* existing = FindPath(base, parts)) {
-        *result = AddHandle(ref.hive, *existing, access);
+    if (RegKey* existing = FindPath(at.base, at.parts)) {
+        *result = AddHandle(at.ref.hive, *existing, access);
         if (disposition) *disposition = REG_OPENED_EXISTING_KEY;
         return ERROR_SUCCESS;
     }
 
     RegKey* target = nullptr;
     DWORD how = REG_OPENED_EXISTING_KEY;
-    status = ChangeHive(ref.hive, [&](Hive& hive) -> LONG {
+    status = ChangeHive(at.ref.hive, [&](Hive& hive) -> LONG {
         LONG found = ERROR_SUCCESS;
-        RegKey* node = ResolveRef(hive, ref, found);
+        RegKey* node = ResolveRef(hive, at.ref, found);
         if (!node) return found;
         size_t i = 0;
-        for (; i < parts.size(); ++i) {
-            RegKey* sub = node->FindSubKey(parts[i]);
+        for (; i < at.parts.size(); ++i) {
+            RegKey* sub = node->FindSubKey(at.parts[i]);
             if (!sub) break;
             node = sub;
         }
-        if (i < parts.size()) {
+        if (i < at.parts.size()) {
             if (node->isVolatile && !makeVolatile) return ERROR_CHILD_MUST_BE_VOLATILE;
-            for (; i < parts.size(); ++i) {
-                bool last = i + 1 == parts.size();
-                RegKey* sub = node->AddSubKey(parts[i], NewKeyId(), last ? makeVolatile : node->isVolatile);
+            for (; i < at.parts.size(); ++i) {
+                bool last = i + 1 == at.parts.size();
+                RegKey* sub = node->AddSubKey(at.parts[i], NewKeyId(), last ? makeVolatile : node->isVolatile);
                 hive.SubKeyChanged(node, sub);
                 node = sub;
             }
@@ -106,7 +107,7 @@ LONG RegCreateKeyExW(HKEY key, LPCWSTR subKey, DWORD reserved, LPWSTR keyClass, 
         return ERROR_SUCCESS;
     });
     if (status != ERROR_SUCCESS) return status;
-    *result = AddHandle(ref.hive, *target, access);
+    *result = AddHandle(at.ref.hive, *target, access);
     if (disposition) *disposition = how;
     return ERROR_SUCCESS;
 }
@@ -129,26 +130,22 @@ LONG RegCloseKey(HKEY key) {
 
 LONG RegDeleteKeyW(HKEY key, LPCWSTR subKey) {
     if (!subKey) return ERROR_INVALID_PARAMETER;
-    std::vector<std::u16string> parts;
-    LONG status = SplitPath(subKey, parts);
-    if (status != ERROR_SUCCESS) return status;
     std::lock_guard<std::mutex> lock(RegistryMutex());
-    KeyRef ref;
-    RegKey* base = nullptr;
-    status = KeyForReading(key, 0, ref, base);
+    Located at;
+    LONG status = Locate(key, subKey, false, at);
     if (status != ERROR_SUCCESS) return status;
     // An empty sub-key deletes the handle's own key, which needs the right to delete on the handle.
-    if (parts.empty() && !(ref.access & kDeleteAccess)) return ERROR_ACCESS_DENIED;
-    if (!FindPath(base, parts)) return ERROR_FILE_NOT_FOUND;
+    if (at.parts.empty() && !(at.ref.access & kDeleteAccess)) return ERROR_ACCESS_DENIED;
+    if (!FindPath(at.base, at.parts)) return ERROR_FILE_NOT_FOUND;
 
-    return ChangeHive(ref.hive, [&](Hive& hive) -> LONG {
+    return ChangeHive(at.ref.hive, [&](Hive& hive) -> LONG {
         LONG found = ERROR_SUCCESS;
-        RegKey* node = ResolveRef(hive, ref, found);
+        RegKey* node = ResolveRef(hive, at.ref, found);
         if (!node) return found;
-        RegKey* target = FindPath(node, parts);
+        RegKey* target = FindPath(node, at.parts);
         if (!target) return ERROR_FILE_NOT_FOUND;
         // A hive's root, a key with sub-keys and the default keys stay.
-        if (!target->parent || !target->subKeys.empty() || IsDefaultKey(ref.hive, *target))
+        if (!target->parent || !target->subKeys.empty() || IsDefaultKey(at.ref.hive, *target))
             return ERROR_ACCESS_DENIED;
         RegKey* parent = target->parent;
         hive.SubKeyChanged(parent, target);

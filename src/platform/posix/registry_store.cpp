@@ -30,17 +30,19 @@ struct HiveSlot {
     LONG readError = ERROR_SUCCESS;
 };
 
-// Never destroyed: a call made while the process ends still finds its hive.
+// The library's entry point for unloading runs before its static objects are destroyed, so a call
+// made from it still finds its hive.
 HiveSlot* Slots() {
-    static HiveSlot* slots = [] {
-        HiveSlot* s = new HiveSlot[kHiveSlots];
-        s[kClassesRoot].fileName = "classes_root.hive";
-        s[kCurrentUser].fileName = "current_user.hive";
-        s[kLocalMachine].fileName = "local_machine.hive";
-        s[kUsers].fileName = "users.hive";
-        s[kCurrentConfig].fileName = "current_config.hive";
-        return s;
+    static HiveSlot slots[kHiveSlots];
+    static const bool named = [] {
+        slots[kClassesRoot].fileName = "classes_root.hive";
+        slots[kCurrentUser].fileName = "current_user.hive";
+        slots[kLocalMachine].fileName = "local_machine.hive";
+        slots[kUsers].fileName = "users.hive";
+        slots[kCurrentConfig].fileName = "current_config.hive";
+        return true;
     }();
+    (void)named;
     return slots;
 }
 

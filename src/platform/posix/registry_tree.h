@@ -12,14 +12,6 @@
 #include <string_view>
 #include <vector>
 
-// Status codes that the registry gives and that the common type header does not name yet.
-#ifndef ERROR_BAD_PATHNAME
-#define ERROR_BAD_PATHNAME 161L
-#endif
-#ifndef ERROR_NOACCESS
-#define ERROR_NOACCESS 998L
-#endif
-
 namespace zelreg {
 
 // Limits of names, as the system enforces them.
