@@ -1,8 +1,6 @@
 // The run-time's wide-string operations on 16-bit units.
 #include "strings/wstr.h"
 
-#include <pthread.h>
-
 #include <climits>
 #include <cstdint>
 #include <cstdlib>
@@ -10,6 +8,7 @@
 #include <map>
 #include <string>
 
+#include "platform/posix/thread_object.h"
 #include "platform/win32.h"
 
 size_t wcslen(const WCHAR* s) {
@@ -187,26 +186,8 @@ void _wmakepath(WCHAR* path, const WCHAR* drive, const WCHAR* dir, const WCHAR* 
 }
 
 namespace {
-// The values handed out by _wgetenv, per thread and name. A thread key rather than a thread_local
-// object, so that a thread's exit handlers may still ask for a variable.
-using EnvValues = std::map<std::u16string, std::u16string>;
-thread_local EnvValues* envValues = nullptr;
-pthread_key_t envKey;
-pthread_once_t envKeyOnce = PTHREAD_ONCE_INIT;
-
-void FreeEnvValues(void* values) {
-    delete static_cast<EnvValues*>(values);
-    envValues = nullptr;
-}
-
-EnvValues& ThreadEnvValues() {
-    if (!envValues) {
-        pthread_once(&envKeyOnce, [] { pthread_key_create(&envKey, FreeEnvValues); });
-        envValues = new EnvValues;
-        pthread_setspecific(envKey, envValues);
-    }
-    return *envValues;
-}
+// The values handed out by _wgetenv, per thread and name.
+struct EnvValues : std::map<std::u16string, std::u16string> {};
 
 }  // namespace
 
@@ -214,7 +195,7 @@ WCHAR* _wgetenv(const WCHAR* name) {
     if (!name || !*name) return nullptr;
     std::string narrow = ZelPlatformWideToUtf8(name);
     const char* value = std::getenv(narrow.c_str());
-    EnvValues& values = ThreadEnvValues();
+    EnvValues& values = ZelThreadObject<EnvValues>();
     if (!value) {
         values.erase(name);
         return nullptr;

@@ -1,9 +1,15 @@
 // Process attach and detach, seen from a fresh process that loads the shared library.
 #include <gtest/gtest.h>
 
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
 #include <memory>
 #include <string>
 
+#include "frame/thread_data.h"
+#include "platform/posix/registry_files.h"
 #include "platform/win32.h"
 #include "support/support.h"
 
@@ -108,6 +114,39 @@ TEST(ProcessAttach, ThreadsKeepTheirOwnStateAndFreeItAtTheirEnd) {
     result = RunProgram(ZEL_TEST_PROBE_PATH, {"threads", "8"});
     EXPECT_EQ(result.status, 0) << result.out << result.err;
     EXPECT_EQ(result.out, "failures 0\n");
+}
+
+// Attach again in a child process whose registry cannot write files at all, or cannot write a file
+// that holds a value named LCID.
+int AttachWithFailingWrites(bool everyWrite) {
+    return zeltest::RunInChild([everyWrite] {
+        ZelPlatformProcessDetach();
+        TempDir dir;
+        ScopedEnv registry("ZEL_REGISTRY_DIR", dir.file("registry"));
+        ScopedEnv runtime("XDG_RUNTIME_DIR", dir.file("run"));
+        ScopedEnv language("ZEL_LCID", "0x412");
+        static bool failAll;
+        failAll = everyWrite;
+        zelreg::g_writeFile = [](int fd, const void* data, size_t size) -> ssize_t {
+            static const char narrow[] = "LCID";
+            static const char16_t wide[] = u"LCID";
+            if (failAll || memmem(data, size, narrow, 4) || memmem(data, size, wide, 8)) {
+                errno = ENOSPC;
+                return -1;
+            }
+            return write(fd, data, size);
+        };
+        ZelPlatformProcessAttach();
+        const bool attached = ZelGetModuleDef(0) != nullptr && g_zelThreadSlot != TLS_OUT_OF_INDEXES;
+        return attached ? 10 : 20;
+    });
+}
+
+TEST(ProcessAttach, OnlyAFailedSeedValueEndsTheAttach) {
+    // The key cannot be made: no failure, the attach goes on.
+    EXPECT_EQ(AttachWithFailingWrites(true), 10);
+    // The key is made but its value cannot be written: the attach stops before the thread slot.
+    EXPECT_EQ(AttachWithFailingWrites(false), 20);
 }
 
 }  // namespace

@@ -5,7 +5,6 @@
 // an iconv descriptor that each thread keeps open. Runs of ASCII skip iconv altogether.
 #include <errno.h>
 #include <iconv.h>
-#include <pthread.h>
 
 #include <bit>
 #include <climits>
@@ -15,6 +14,7 @@
 #include <string>
 
 #include "platform/posix/codepage_names.h"
+#include "platform/posix/thread_object.h"
 #include "platform/win32.h"
 #include "strings/wstr.h"
 
@@ -46,23 +46,8 @@ struct IconvCache {
     }
 };
 
-// A thread key rather than a thread_local object: a thread's exit handlers may still convert.
-thread_local IconvCache* threadCache = nullptr;
-pthread_key_t cacheKey;
-pthread_once_t cacheKeyOnce = PTHREAD_ONCE_INIT;
-
-void FreeCache(void* cache) {
-    delete static_cast<IconvCache*>(cache);
-    threadCache = nullptr;
-}
-
 iconv_t Descriptor(const ZelCodePage& page, bool toWide) {
-    if (!threadCache) {
-        pthread_once(&cacheKeyOnce, [] { pthread_key_create(&cacheKey, FreeCache); });
-        threadCache = new IconvCache;
-        pthread_setspecific(cacheKey, threadCache);
-    }
-    IconvCache& cache = *threadCache;
+    IconvCache& cache = ZelThreadObject<IconvCache>();
     for (size_t i = 0; i < cache.used; ++i) {
         const IconvCache::Entry& e = cache.entries[i];
         if (e.codePage == page.codePage && e.toWide == toWide) return e.cd;
