@@ -5,5 +5,7 @@
 #include <zel/wintypes.h>
 #include <zel/host.h>
 #include <zel/frame.h>
+#include <zel/strings.h>
+#include <zel/codetables.h>
 
 #endif  // ZEL_ZEL_H
