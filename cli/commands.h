@@ -15,6 +15,11 @@ struct Command {
 
 int RunDemo(const Args& args);
 int RunModules(const Args& args);
+int RunUtf(const Args& args);
+int RunBase64(const Args& args);
+int RunHex(const Args& args);
+int RunKana(const Args& args);
+int RunWidth(const Args& args);
 
 // Every subcommand, in the order zel --help lists them.
 const std::vector<Command>& Commands();

@@ -1,8 +1,12 @@
 // zel demo: the library's services on bundled samples.
+#include <zel/codetables.h>
 #include <zel/frame.h>
+#include <zel/strings.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <string>
+#include <vector>
 
 #include "commands.h"
 #include "text.h"
@@ -69,6 +73,66 @@ void ModuleFrame() {
     ZelExitModule(&demoModule);
 }
 
+void Strings() {
+    printf("\n== Bounded strings\n");
+    WCHAR small[8];
+    int whole = ustrlcpy(small, u"ZelBL70KT text", 8);
+    printf("  ustrlcpy into 8 units: \"%s\", whole copy %d\n", ToUtf8(small).c_str(), whole);
+    WCHAR padded[] = u"  \u3000trimmed  ";
+    ustrtriml(padded);
+    ustrtrimr(padded);
+    printf("  trimmed on both sides: \"%s\"\n", ToUtf8(padded).c_str());
+    printf("  _ustricmp(\"Morvalis\", \"MORVALIS\") = %d\n", _ustricmp(u"Morvalis", u"MORVALIS"));
+
+    printf("\n== UTF converters\n");
+    const std::string sample = "한국어 日本語 ABC \xF0\x9F\x98\x80";
+    std::vector<ZelUTF16> wide(sample.size());
+    const auto* source8 = reinterpret_cast<const ZelUTF8*>(sample.data());
+    ZelUTF16* target16 = wide.data();
+    ZelConvertUTF8toUTF16(&source8, source8 + sample.size(), &target16, wide.data() + wide.size(), ZelConvStrict);
+    std::vector<ZelUTF32> values(wide.size());
+    const ZelUTF16* source16 = wide.data();
+    ZelUTF32* target32 = values.data();
+    ZelConvertUTF16toUTF32(&source16, target16, &target32, values.data() + values.size(), ZelConvStrict);
+    printf("  \"%s\": %zu bytes of UTF-8, %zu units of UTF-16, %zu values of UTF-32\n", sample.c_str(),
+           sample.size(), static_cast<size_t>(target16 - wide.data()), static_cast<size_t>(target32 - values.data()));
+    const ZelUTF16 lone[] = {u'a', 0xDC00, u'b'};
+    const ZelUTF16* from = lone;
+    ZelUTF8 bytes[16];
+    ZelUTF8* to = bytes;
+    ZelConvResult status = ZelConvertUTF16toUTF8(&from, lone + 3, &to, bytes + sizeof bytes, ZelConvStrict);
+    printf("  a lone low surrogate stops a strict run: status %d after %zu unit(s)\n", status,
+           static_cast<size_t>(from - lone));
+
+    printf("\n== Base64 and hexadecimal forms\n");
+    char* encoded = nullptr;
+    ZelAsciiToBase64("ZelBL70KT", 9, &encoded);
+    char* decoded = nullptr;
+    int length = ZelBase64ToAscii(encoded, &decoded);
+    printf("  Base64 of \"ZelBL70KT\": %s, back: \"%.*s\"\n", encoded, length, decoded);
+    free(encoded);
+    free(decoded);
+    char hex[64];
+    ZelUniStrToHexStr(u"한글", hex, sizeof hex);
+    WCHAR unescaped[32];
+    ZelHexChrToUniStr(u"/uD55C/uAE00 escapes", unescaped);
+    printf("  \"한글\" as hex: %s; \"/uD55C/uAE00 escapes\" decoded: \"%s\"\n", hex, ToUtf8(unescaped).c_str());
+
+    printf("\n== Kana and width\n");
+    const std::u16string half = u"ｶﾞｷﾞｸﾞﾊﾟ ｱｲｳ";
+    WCHAR full[32];
+    full[ToLargeKanaStr(half.c_str(), static_cast<int>(half.size()), full, 1)] = 0;
+    WCHAR hiragana[32];
+    hiragana[ToLargeKanaStr(half.c_str(), static_cast<int>(half.size()), hiragana, 0)] = 0;
+    WCHAR back[64];
+    back[ToSmallKanaStr(u"がぎぐぱ", -1, back)] = 0;
+    printf("  %s -> %s, %s; がぎぐぱ -> %s\n", ToUtf8(half.c_str()).c_str(), ToUtf8(full).c_str(),
+           ToUtf8(hiragana).c_str(), ToUtf8(back).c_str());
+    std::u16string ascii = u"Zel 70";
+    for (auto& c : ascii) c = ZelUniHalfFullChange(c, 0);
+    printf("  \"Zel 70\" in full width: \"%s\"\n", ToUtf8(ascii.c_str()).c_str());
+}
+
 }  // namespace
 
 int RunDemo(const Args& args) {
@@ -78,5 +142,6 @@ int RunDemo(const Args& args) {
     }
     printf("ZelBL70KT demo\n\n");
     ModuleFrame();
+    Strings();
     return 0;
 }

@@ -19,6 +19,11 @@ const std::vector<Command>& Commands() {
     static const std::vector<Command> commands = {
         {"demo", "run the bundled samples through the library's services", RunDemo},
         {"modules", "list the module table of this process", RunModules},
+        {"utf", "convert between UTF-8, UTF-16 and UTF-32", RunUtf},
+        {"base64", "Base64 of bytes, and back", RunBase64},
+        {"hex", "the \"U+\" form of text, and /uXXXX escapes", RunHex},
+        {"kana", "Kana to full or half width, to Hiragana or Katakana", RunKana},
+        {"width", "exchange half-width and full-width characters", RunWidth},
     };
     return commands;
 }

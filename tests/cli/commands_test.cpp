@@ -1,0 +1,99 @@
+// The zel command, run as a user runs it.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "support/support.h"
+
+using zeltest::ProgramResult;
+using zeltest::RunProgram;
+
+namespace {
+
+ProgramResult Zel(const std::vector<std::string>& args, const std::string& input = {}) {
+    return RunProgram(ZEL_TEST_ZEL_PATH, args, {}, input);
+}
+
+TEST(Command, HelpListsTheSubcommandsAndEachHasItsOwn) {
+    ProgramResult help = Zel({"--help"});
+    EXPECT_EQ(help.status, 0);
+    for (const char* name : {"demo", "modules", "utf", "base64", "hex", "kana", "width"}) {
+        EXPECT_NE(help.out.find(std::string("  ") + name + " "), std::string::npos) << name;
+        ProgramResult own = Zel({name, "--help"});
+        EXPECT_EQ(own.status, 0) << name;
+        EXPECT_EQ(own.out.rfind("Usage: zel ", 0), 0u) << name;
+    }
+    ProgramResult unknown = Zel({"frobnicate"});
+    EXPECT_EQ(unknown.status, 2);
+    EXPECT_NE(unknown.err.find("unknown command"), std::string::npos);
+}
+
+TEST(Command, UtfConvertsFilesAndStandardInputBothWays) {
+    zeltest::TempDir dir;
+    const std::string text = "한국어 日本語 ABC \xF0\x9F\x98\x80";
+    zeltest::WriteFile(dir.file("in.txt"), text);
+    ProgramResult wide = Zel({"utf", "--from", "utf8", "--to", "utf16", dir.file("in.txt")});
+    ASSERT_EQ(wide.status, 0) << wide.err;
+    EXPECT_EQ(wide.out.size(), 14u * 2);
+    ProgramResult values = Zel({"utf", "--from", "utf16", "--to", "utf32"}, wide.out);
+    ASSERT_EQ(values.status, 0);
+    EXPECT_EQ(values.out.size(), 13u * 4);
+    ProgramResult back = Zel({"utf", "--from", "utf32", "--to", "utf8", "-"}, values.out);
+    EXPECT_EQ(back.out, text);
+
+    // Larger than one piece of the converter's target: resumed to the same text.
+    std::string big;
+    while (big.size() < 300000) big += text;
+    ProgramResult bigWide = Zel({"utf", "--from", "utf8", "--to", "utf16"}, big);
+    EXPECT_EQ(Zel({"utf", "--from", "utf16", "--to", "utf8"}, bigWide.out).out, big);
+}
+
+TEST(Command, UtfReportsWhereAndWhyItStopped) {
+    ProgramResult illegal = Zel({"utf", "--from", "utf8", "--to", "utf16"}, "ab\xC0\x80z");
+    EXPECT_EQ(illegal.status, 1);
+    EXPECT_EQ(illegal.out, std::string("a\0b\0", 4));
+    EXPECT_EQ(illegal.err, "zel utf: ZelConvSourceIllegal at byte offset 2\n");
+    ProgramResult cut = Zel({"utf", "--from", "utf8", "--to", "utf32"}, "a\xE2\x82");
+    EXPECT_EQ(cut.err, "zel utf: ZelConvSourceExhausted at byte offset 1\n");
+    const std::string lone("a\0\0\xDC", 4);
+    EXPECT_EQ(Zel({"utf", "--from", "utf16", "--to", "utf8"}, lone).err,
+              "zel utf: ZelConvSourceIllegal at byte offset 2\n");
+    ProgramResult lenient = Zel({"utf", "--from", "utf16", "--to", "utf8", "--lenient"}, lone);
+    EXPECT_EQ(lenient.status, 0);
+    EXPECT_EQ(lenient.out, "a\xED\xB0\x80");
+    EXPECT_EQ(Zel({"utf", "--from", "utf16", "--to", "utf8"}, "abc").status, 1);  // half a unit
+    EXPECT_EQ(Zel({"utf", "--from", "utf8", "--to", "utf8"}, "abc").status, 2);
+}
+
+TEST(Command, Base64AndHexForms) {
+    EXPECT_EQ(Zel({"base64", "encode", "Man"}).out, "TWFu\n");
+    EXPECT_EQ(Zel({"base64", "decode"}, "TW\nFu\n").out, "Man");
+    ProgramResult bad = Zel({"base64", "decode", "TW*u"});
+    EXPECT_EQ(bad.status, 1);
+    EXPECT_EQ(Zel({"hex", "to", "한국"}).out, "U+d55cad6d\n");
+    EXPECT_EQ(Zel({"hex", "from", "U+d55cad6d"}).out, "한국\n");
+    EXPECT_EQ(Zel({"hex", "from", "u+0041"}).status, 1);
+    EXPECT_EQ(Zel({"hex", "unescape"}, "a/u0041b /U0042\n").out, "aAb B\n");
+}
+
+TEST(Command, KanaAndWidth) {
+    EXPECT_EQ(Zel({"kana", "full", "ｶﾞｷﾞｸﾞﾊﾟ"}).out, "ガギグパ\n");
+    EXPECT_EQ(Zel({"kana", "hiragana", "ｶﾞ", "カタカナ"}).out, "が かたかな\n");
+    EXPECT_EQ(Zel({"kana", "katakana"}, "ひらがな\n").out, "ヒラガナ\n");
+    EXPECT_EQ(Zel({"kana", "half", "ガギぱ"}).out, "ｶﾞｷﾞﾊﾟ\n");
+    EXPECT_EQ(Zel({"width", "full", "Zel 70"}).out, "Ｚｅｌ　７０\n");
+    EXPECT_EQ(Zel({"width", "half", "Ｚｅｌ　７０ ｱ"}).out, "Zel 70 ｱ\n");
+    EXPECT_EQ(Zel({"kana", "sideways", "x"}).status, 2);
+}
+
+TEST(Command, DemoRunsThroughEveryService) {
+    ProgramResult demo = Zel({"demo"});
+    ASSERT_EQ(demo.status, 0) << demo.err;
+    for (const char* section : {"== Module frame", "== Bounded strings", "== UTF converters",
+                                "== Base64 and hexadecimal forms", "== Kana and width"})
+        EXPECT_NE(demo.out.find(section), std::string::npos) << section;
+    EXPECT_NE(demo.out.find("ガギグパ"), std::string::npos);
+}
+
+}  // namespace
