@@ -7,4 +7,40 @@
 // ---------------------------------------------------------------------------------------------
 // Kana and width conversion
 
+// Class tests. The lists are searched with their terminator, so character 0 counts as found by all
+// but IsJpnSmallHiragana. The base lists hold the vowels and the k, s, t, n, h, m and r rows with
+// their voiced forms; the ya and wa rows and the sound n are on none of them.
+ZEL_API int IsJpnBaseHiragana(WCHAR c);
+ZEL_API int IsJpnSmallHiragana(WCHAR c);
+ZEL_API int IsJpnBaseKatakana(WCHAR c);
+ZEL_API int IsJpnSmallKatakana(WCHAR c);
+ZEL_API int IsJpnSmallHalfKatakana(WCHAR c);
+// The place of a half-width Katakana on its base list, counted from 1, or 0: places 1 to 5 are the
+// h row (which takes both sound marks), 6 to 20 the k, s and t rows, 21 to 25 the n row, 26 to 30
+// the m row and 31 to 35 the r row; character 0 gives 36.
+ZEL_API int IsJpnBaseHalfKatakana(WCHAR c);
+
+// The full-width form of U+FF60 to U+FF9F; any other character is given back.
+ZEL_API WCHAR HalfKanaToFullKana(WCHAR c);
+// Writes the half-width form of a full-width Katakana, a voiced one as two units with its sound
+// mark, and a terminator, into output (3 units). The ideographic comma, full stop and corner
+// brackets take their half-width forms; anything else, Hiragana included, is written as it is.
+// Gives the number of units before the terminator, 1 or 2.
+ZEL_API int FullKanaToHalfKana(WCHAR c, WCHAR* output);
+
+// Converts count units of kana to full width in the target script (0 Hiragana, 1 Katakana) and
+// joins a sound mark to the kana before it where the two make one character, so the output is never
+// longer than the source. Other scripts leave the script of each unit alone and join no marks.
+// Gives the number of units written, without a terminator; 0 for a count below 1.
+ZEL_API int ToLargeKanaStr(const WCHAR* source, int count, WCHAR* output, int script);
+// Converts count units (-1: up to the terminator) to half-width Katakana, Hiragana included; a
+// voiced kana becomes two units, so the output must hold twice the count. Gives the number of units
+// written, without a terminator.
+ZEL_API int ToSmallKanaStr(const WCHAR* source, int count, WCHAR* output);
+
+// Exchanges a character for its other width: direction 0 to full width, 1 to half width. ASCII
+// and the space pair with U+FF01 to U+FF5E and U+3000; the half-width Katakana and a few symbols
+// have their own pairs. Characters without a pair, and any other direction, give the character.
+ZEL_API WCHAR ZelUniHalfFullChange(WCHAR c, int direction);
+
 #endif  // ZEL_CODETABLES_H

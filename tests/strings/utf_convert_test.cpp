@@ -1,0 +1,369 @@
+// The six UTF converters: statuses, where both pointers stop, resuming, strict and lenient runs.
+#include <gtest/gtest.h>
+
+#include <zel/strings.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace {
+
+using Bytes = std::vector<ZelUTF8>;
+using Units16 = std::vector<ZelUTF16>;
+using Units32 = std::vector<ZelUTF32>;
+
+template <typename From, typename To>
+using Converter = ZelConvResult (*)(const From**, const From*, To**, To*, DWORD);
+
+template <typename To>
+struct Outcome {
+    ZelConvResult status;
+    size_t consumed;  // source units behind the source pointer
+    std::vector<To> out;
+    bool operator==(const Outcome&) const = default;
+};
+
+template <typename To>
+void PrintTo(const Outcome<To>& o, std::ostream* os) {
+    *os << "status " << o.status << ", " << o.consumed << " consumed, wrote " << testing::PrintToString(o.out);
+}
+
+// One call over the whole source into a target of exactly room places.
+template <typename From, typename To>
+Outcome<To> Convert(Converter<From, To> convert, const std::vector<From>& in, size_t room, DWORD flags) {
+    std::vector<To> target(room);
+    const From* src = in.data();
+    To* tgt = target.data();
+    const ZelConvResult status = convert(&src, in.data() + in.size(), &tgt, target.data() + room, flags);
+    EXPECT_TRUE(src >= in.data() && src <= in.data() + in.size());
+    EXPECT_TRUE(tgt >= target.data() && tgt <= target.data() + room);
+    target.resize(size_t(tgt - target.data()));
+    return {status, size_t(src - in.data()), target};
+}
+
+template <typename From, typename To>
+Outcome<To> ConvertAll(Converter<From, To> convert, const std::vector<From>& in, DWORD flags = ZelConvStrict) {
+    return Convert(convert, in, in.size() * 4, flags);
+}
+
+Bytes B(std::initializer_list<int> bytes) { return Bytes(bytes.begin(), bytes.end()); }
+Units16 U16(std::u16string_view s) { return Units16(s.begin(), s.end()); }
+Units32 U32(std::u32string_view s) { return Units32(s.begin(), s.end()); }
+Bytes Utf8Of(const Units32& values) { return ConvertAll(&ZelConvertUTF32toUTF8, values, ZelConvLenient).out; }
+
+// Mixed text with runs long enough for the word-sized paths: ASCII, Latin, Hangul, Kana, CJK and
+// characters beyond the basic plane.
+const Units32 kMixed =
+    U32(U"Plain ASCII words, then caf\u00E9 \u00FCber \uAC00\uB098\uB2E4 \uD55C\uAE00\uACFC \u3072\u3089\u304C\u306A "
+        U"\u30AB\u30BF\u30AB\u30CA \u6F22\u5B57 \U0001F600\U00020000\U0010FFFF and a closing run of ASCII words.\n");
+
+TEST(UtfConvert, KnownEncodingsAndEmptySources) {
+    const Bytes utf8 = B({0x41, 0x00, 0xC3, 0xA9, 0xEA, 0xB0, 0x80, 0xE3, 0x81, 0x82, 0xF0, 0x9F, 0x98, 0x80});
+    const Units16 utf16 = U16(std::u16string_view(u"A\0\u00E9\uAC00\u3042\U0001F600", 7));
+    const Units32 utf32 = U32(std::u32string_view(U"A\0\u00E9\uAC00\u3042\U0001F600", 6));  // a zero is a character
+    for (DWORD flags : {DWORD(ZelConvStrict), DWORD(ZelConvLenient)}) {
+        EXPECT_EQ(ConvertAll(&ZelConvertUTF8toUTF16, utf8, flags).out, utf16);
+        EXPECT_EQ(ConvertAll(&ZelConvertUTF8toUTF32, utf8, flags).out, utf32);
+        EXPECT_EQ(ConvertAll(&ZelConvertUTF16toUTF8, utf16, flags).out, utf8);
+        EXPECT_EQ(ConvertAll(&ZelConvertUTF16toUTF32, utf16, flags).out, utf32);
+        EXPECT_EQ(ConvertAll(&ZelConvertUTF32toUTF8, utf32, flags).out, utf8);
+        EXPECT_EQ(ConvertAll(&ZelConvertUTF32toUTF16, utf32, flags).out, utf16);
+    }
+    // A source at or behind its end changes nothing, even with no target room.
+    auto expectUntouched = [](auto convert, auto unit, auto place) {
+        const decltype(unit) text[2] = {0x41, 0x42};
+        for (const decltype(unit)* end : {text + 1, text + 0}) {
+            const decltype(unit)* src = text + 1;
+            decltype(place)* tgt = &place;
+            EXPECT_EQ(convert(&src, end, &tgt, tgt, ZelConvStrict), ZelConvOk);
+            EXPECT_EQ(src, text + 1);
+            EXPECT_EQ(tgt, &place);
+        }
+    };
+    expectUntouched(&ZelConvertUTF8toUTF16, ZelUTF8(), ZelUTF16());
+    expectUntouched(&ZelConvertUTF8toUTF32, ZelUTF8(), ZelUTF32());
+    expectUntouched(&ZelConvertUTF16toUTF8, ZelUTF16(), ZelUTF8());
+    expectUntouched(&ZelConvertUTF16toUTF32, ZelUTF16(), ZelUTF32());
+    expectUntouched(&ZelConvertUTF32toUTF8, ZelUTF32(), ZelUTF8());
+    expectUntouched(&ZelConvertUTF32toUTF16, ZelUTF32(), ZelUTF16());
+}
+
+// Stopping for want of room anywhere and resuming in a fresh target gives what one run gives,
+// stops by illegal source included. A stop that made no progress is retried with one place more.
+template <typename From, typename To>
+void ExpectStepsMatchOneRun(Converter<From, To> convert, const std::vector<From>& in, DWORD flags) {
+    const Outcome<To> whole = ConvertAll(convert, in, flags);
+    for (size_t room = 1; room <= 9; ++room) {
+        Outcome<To> steps{ZelConvOk, 0, {}};
+        for (size_t grant = room;;) {
+            const Outcome<To> step =
+                Convert(convert, std::vector<From>(in.begin() + ptrdiff_t(steps.consumed), in.end()), grant, flags);
+            steps.consumed += step.consumed;
+            steps.out.insert(steps.out.end(), step.out.begin(), step.out.end());
+            steps.status = step.status;
+            if (step.status != ZelConvTargetExhausted) break;
+            grant = step.consumed == 0 ? grant + 1 : room;
+        }
+        EXPECT_EQ(steps, whole) << "room " << room << ", flags " << flags;
+    }
+}
+
+TEST(UtfConvert, ResumingAfterTargetExhaustedMatchesOneRun) {
+    const Bytes utf8 = Utf8Of(kMixed);
+    const Units16 utf16 = ConvertAll(&ZelConvertUTF32toUTF16, kMixed).out;
+    Bytes irregular8 = utf8;  // a surrogate's three-byte form
+    irregular8.insert(irregular8.begin() + 30, {0xED, 0xB0, 0x80});
+    Units16 irregular16 = utf16;  // a lone low surrogate, and a high one before a plain unit
+    irregular16.insert(irregular16.begin() + 20, {0xDC00, 0x41, 0xDBFF, 0x42});
+    Units32 irregular32 = kMixed;  // a surrogate and values beyond the last code point
+    irregular32.insert(irregular32.begin() + 20, {0xD800, 0x41, 0x110000, 0x1FFFFF, 0xFFFFFFFF});
+    for (DWORD flags : {DWORD(ZelConvStrict), DWORD(ZelConvLenient)}) {
+        for (const Bytes& in : {utf8, irregular8}) {
+            ExpectStepsMatchOneRun(&ZelConvertUTF8toUTF16, in, flags);
+            ExpectStepsMatchOneRun(&ZelConvertUTF8toUTF32, in, flags);
+        }
+        for (const Units16& in : {utf16, irregular16}) {
+            ExpectStepsMatchOneRun(&ZelConvertUTF16toUTF8, in, flags);
+            ExpectStepsMatchOneRun(&ZelConvertUTF16toUTF32, in, flags);
+        }
+        ExpectStepsMatchOneRun(&ZelConvertUTF32toUTF8, kMixed, flags);
+        ExpectStepsMatchOneRun(&ZelConvertUTF32toUTF8, irregular32, flags);
+        ExpectStepsMatchOneRun(&ZelConvertUTF32toUTF16, kMixed, flags);
+    }
+    // A strict run reports the values it passed over only at its end, so resuming can lose that
+    // status; a lenient run resumes exactly.
+    ExpectStepsMatchOneRun(&ZelConvertUTF32toUTF16, irregular32, ZelConvLenient);
+}
+
+// A UTF-8 source cut anywhere stops on the first byte of the cut sequence; given the rest, the
+// converter goes on from there as if nothing had happened.
+template <typename To>
+void ExpectCutSourceResumes(Converter<ZelUTF8, To> convert, const Bytes& in) {
+    const Outcome<To> whole = ConvertAll(convert, in);
+    for (size_t cut = 0; cut <= in.size(); ++cut) {
+        Outcome<To> head = ConvertAll(convert, Bytes(in.begin(), in.begin() + ptrdiff_t(cut)));
+        EXPECT_EQ(head.status, head.consumed == cut ? ZelConvOk : ZelConvSourceExhausted) << cut;
+        EXPECT_LT(cut - head.consumed, 4u) << cut;
+        const Outcome<To> tail = ConvertAll(convert, Bytes(in.begin() + ptrdiff_t(head.consumed), in.end()));
+        head.out.insert(head.out.end(), tail.out.begin(), tail.out.end());
+        EXPECT_EQ((Outcome<To>{tail.status, head.consumed + tail.consumed, head.out}), whole) << cut;
+    }
+}
+
+TEST(UtfConvert, CutUtf8SourceResumes) {
+    ExpectCutSourceResumes(&ZelConvertUTF8toUTF16, Utf8Of(kMixed));
+    ExpectCutSourceResumes(&ZelConvertUTF8toUTF32, Utf8Of(kMixed));
+}
+
+// Both decoders in both modes stop at the same place with the same status; each case has one
+// ASCII byte for every byte before the stop.
+void ExpectDecodeStop(const Bytes& in, ZelConvResult status, size_t consumed, size_t room = 64) {
+    for (DWORD flags : {DWORD(ZelConvStrict), DWORD(ZelConvLenient)}) {
+        EXPECT_EQ(Convert(&ZelConvertUTF8toUTF16, in, room, flags),
+                  (Outcome<ZelUTF16>{status, consumed, Units16(consumed, 0x61)}));
+        EXPECT_EQ(Convert(&ZelConvertUTF8toUTF32, in, room, flags),
+                  (Outcome<ZelUTF32>{status, consumed, Units32(consumed, 0x61)}));
+    }
+}
+
+TEST(UtfConvert, Utf8TruncatedAndIllegalSequences) {
+    ExpectDecodeStop(B({0x61, 0xE2, 0x82}), ZelConvSourceExhausted, 1);
+    ExpectDecodeStop(B({0x61, 0xF0, 0x9F, 0x98}), ZelConvSourceExhausted, 1);
+    // The length is tested before legality: 0xF8 and 0xFC announce five and six bytes, so near the
+    // end they are cut off, as is a short sequence that is malformed anyway; with all their bytes
+    // present they are illegal.
+    ExpectDecodeStop(B({0x61, 0xF8, 0x62, 0x63}), ZelConvSourceExhausted, 1);
+    ExpectDecodeStop(B({0x61, 0xFC, 0x80, 0x80, 0x80, 0x80}), ZelConvSourceExhausted, 1);
+    ExpectDecodeStop(B({0x61, 0xE0, 0x41}), ZelConvSourceExhausted, 1);
+    ExpectDecodeStop(B({0x61, 0xF8, 0x88, 0x80, 0x80, 0x80}), ZelConvSourceIllegal, 1);
+    ExpectDecodeStop(B({0x61, 0xFC, 0x84, 0x80, 0x80, 0x80, 0x80}), ZelConvSourceIllegal, 1);
+
+    // Legality is tested before the target: with no place left, a stray trailing byte, overlong
+    // forms and a value beyond U+10FFFF are still reported as such, also behind a run of ASCII
+    // long enough for the fast loop.
+    for (const Bytes& sequence : {B({0x80}), B({0xC0, 0x80}), B({0xE0, 0x9F, 0xBF}), B({0xF4, 0x90, 0x80, 0x80})}) {
+        Bytes in(9, 0x61);
+        in.insert(in.end(), sequence.begin(), sequence.end());
+        in.insert(in.end(), 16, 0x61);
+        ExpectDecodeStop(in, ZelConvSourceIllegal, 9);
+        ExpectDecodeStop(in, ZelConvSourceIllegal, 9, 9);
+    }
+    ExpectDecodeStop(B({0x61, 0xC3, 0xA9}), ZelConvTargetExhausted, 1, 1);
+}
+
+TEST(UtfConvert, Utf8SurrogateFormsAndTheEdgeOfUnicode) {
+    using R = Outcome<ZelUTF16>;
+    const Bytes surrogate = B({0x61, 0xED, 0xA0, 0x80, 0x62});
+    EXPECT_EQ(ConvertAll(&ZelConvertUTF8toUTF16, surrogate, ZelConvStrict), (R{ZelConvSourceIllegal, 1, U16(u"a")}));
+    EXPECT_EQ(ConvertAll(&ZelConvertUTF8toUTF16, surrogate, ZelConvLenient).out, Units16({0x61, 0xD800, 0x62}));
+    EXPECT_EQ(ConvertAll(&ZelConvertUTF8toUTF32, surrogate, ZelConvStrict).out, Units32({0x61, 0xD800, 0x62}));
+    // The target is tested before the value: a full target stops a strict run without an error.
+    EXPECT_EQ(Convert(&ZelConvertUTF8toUTF16, surrogate, 1, ZelConvStrict), (R{ZelConvTargetExhausted, 1, U16(u"a")}));
+
+    const Bytes last = B({0xF4, 0x8F, 0xBF, 0xBF});
+    EXPECT_EQ(ConvertAll(&ZelConvertUTF8toUTF16, last).out, Units16({0xDBFF, 0xDFFF}));
+    EXPECT_EQ(ConvertAll(&ZelConvertUTF8toUTF32, last).out, Units32({0x10FFFF}));
+    // A pair needs two places: with one, nothing of it is written.
+    EXPECT_EQ(Convert(&ZelConvertUTF8toUTF16, last, 1, ZelConvLenient), (R{ZelConvTargetExhausted, 0, {}}));
+}
+
+// Every value's encoding decodes back to it, and nothing else decodes: every sequence of one and
+// two bytes, every first and second byte of three, and otherwise each byte at the edges of the
+// ranges that the rules tell apart; alone (the step by step path) and followed by text (the fast
+// loop). A sequence is legal when the value its payload bits spell is at most U+10FFFF and encodes
+// back to the very same bytes.
+TEST(UtfConvert, Utf8DecodersAcceptExactlyTheEncodings) {
+    size_t accepted = 0;
+    auto probe = [&accepted](const Bytes& sequence) {
+        ZelUTF32 value = sequence.size() == 1 ? sequence[0] : sequence[0] & (0x7Fu >> sequence.size());
+        for (size_t k = 1; k < sequence.size(); ++k) value = value << 6 | (sequence[k] & 0x3Fu);
+        const bool legal = value <= ZEL_UNICODE_LAST && Utf8Of({value}) == sequence;
+        for (size_t padding : {0, 8}) {
+            Bytes in = sequence;
+            in.resize(sequence.size() + padding, 0x41);
+            const Outcome<ZelUTF32> to32 = ConvertAll(&ZelConvertUTF8toUTF32, in);
+            const Outcome<ZelUTF16> to16 = ConvertAll(&ZelConvertUTF8toUTF16, in, ZelConvLenient);
+            if (!legal) {
+                ASSERT_EQ(to32, (Outcome<ZelUTF32>{ZelConvSourceIllegal, 0, {}})) << testing::PrintToString(in);
+                ASSERT_EQ(to16, (Outcome<ZelUTF16>{ZelConvSourceIllegal, 0, {}})) << testing::PrintToString(in);
+                continue;
+            }
+            ASSERT_EQ(to32.status, ZelConvOk) << testing::PrintToString(in);
+            ASSERT_EQ(to32.out[0], value);
+            ASSERT_EQ(to16.status, ZelConvOk) << testing::PrintToString(in);
+            const bool pair = value > 0xFFFF;
+            ASSERT_EQ(to16.out.size(), padding + (pair ? 2 : 1));
+            ASSERT_EQ(pair ? _MAKE_UCSCHAR(to16.out[0], to16.out[1]) : to16.out[0], value);
+            ++accepted;
+        }
+    };
+    const ZelUTF8 edges[] = {0x00, 0x7F, 0x80, 0x8F, 0x90, 0x9F, 0xA0, 0xBF, 0xC0, 0xFF};
+    auto isEdge = [&edges](unsigned b) { return std::find(std::begin(edges), std::end(edges), b) != std::end(edges); };
+    for (unsigned b0 = 0; b0 < 0xF8; ++b0) {  // five and six bytes are never legal: tested above
+        const size_t length = b0 < 0xC0 ? 1 : b0 < 0xE0 ? 2 : b0 < 0xF0 ? 3 : 4;
+        for (unsigned b1 = 0; b1 < (length > 1 ? 0x100u : 1u); ++b1) {
+            for (size_t i = 0; i < (length > 2 ? std::size(edges) : 1); ++i) {
+                for (size_t j = 0; j < (length > 3 ? std::size(edges) : 1); ++j) {
+                    if (length == 4 && !isEdge(b1)) continue;
+                    Bytes sequence = {ZelUTF8(b0), ZelUTF8(b1), edges[i], edges[j]};
+                    sequence.resize(length);
+                    probe(sequence);
+                    if (HasFatalFailure()) return;
+                }
+            }
+        }
+    }
+    // Legal, in both runs: 0x80 single bytes, 0x780 pairs of bytes, 992 first and second bytes of
+    // three (0xE0 0xA0 to 0xEF 0xBF) with six trailing bytes of the edges, and 24 of four (4 behind
+    // 0xF0, 6 behind 0xF1 to 0xF3, 2 behind 0xF4) with six times six.
+    EXPECT_EQ(accepted, 2 * (0x80u + 0x780u + 992 * 6 + 24 * 6 * 6));
+}
+
+// Whole ranges through the fast loops and back.
+TEST(UtfConvert, EveryCodePointRoundTrips) {
+    Units32 all;
+    for (ZelUTF32 c = 0; c <= ZEL_UNICODE_LAST; ++c)
+        if (c < ZEL_SURROGATE_HIGH_FIRST || c > ZEL_SURROGATE_LOW_LAST) all.push_back(c);
+    const Outcome<ZelUTF16> utf16 = ConvertAll(&ZelConvertUTF32toUTF16, all);
+    const Outcome<ZelUTF8> utf8 = ConvertAll(&ZelConvertUTF32toUTF8, all);
+    ASSERT_EQ(utf16.status, ZelConvOk);
+    ASSERT_EQ(utf8.status, ZelConvOk);
+    EXPECT_EQ(ConvertAll(&ZelConvertUTF16toUTF32, utf16.out).out, all);
+    EXPECT_EQ(ConvertAll(&ZelConvertUTF8toUTF32, utf8.out).out, all);
+    EXPECT_EQ(ConvertAll(&ZelConvertUTF16toUTF8, utf16.out).out, utf8.out);
+    EXPECT_EQ(ConvertAll(&ZelConvertUTF8toUTF16, utf8.out).out, utf16.out);
+}
+
+TEST(UtfConvert, Utf16LoneSurrogates) {
+    struct Case {
+        Units16 in;
+        size_t strictStop;  // where a strict run stops with ZelConvSourceIllegal
+        Units32 strict;     // what it writes before
+        Units32 lenient;    // what a lenient run gives, lone halves as values
+    };
+    const Case cases[] = {
+        {{0x61, 0xDC00, 0x62}, 1, {0x61}, {0x61, 0xDC00, 0x62}},      // a low half alone
+        {{0x61, 0xD800, 0x62}, 1, {0x61}, {0x61, 0xD800, 0x62}},      // a high half before a plain unit
+        {{0xDBFF, 0xD83D, 0xDE00}, 0, {}, {0xDBFF, 0x1F600}},         // a high half before a pair
+        {{0xD83D, 0xDE00, 0xDE00}, 2, {0x1F600}, {0x1F600, 0xDE00}},  // a pair and a low half
+        {{0x61, 0xD800}, 2, {0x61, 0xD800}, {0x61, 0xD800}},          // last: no pair to make, no error
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(testing::PrintToString(c.in));
+        const ZelConvResult status = c.strictStop < c.in.size() ? ZelConvSourceIllegal : ZelConvOk;
+        EXPECT_EQ(ConvertAll(&ZelConvertUTF16toUTF32, c.in, ZelConvStrict),
+                  (Outcome<ZelUTF32>{status, c.strictStop, c.strict}));
+        EXPECT_EQ(ConvertAll(&ZelConvertUTF16toUTF8, c.in, ZelConvStrict),
+                  (Outcome<ZelUTF8>{status, c.strictStop, Utf8Of(c.strict)}));
+        EXPECT_EQ(ConvertAll(&ZelConvertUTF16toUTF32, c.in, ZelConvLenient),
+                  (Outcome<ZelUTF32>{ZelConvOk, c.in.size(), c.lenient}));
+        // Lone halves take their three-byte form.
+        EXPECT_EQ(ConvertAll(&ZelConvertUTF16toUTF8, c.in, ZelConvLenient),
+                  (Outcome<ZelUTF8>{ZelConvOk, c.in.size(), Utf8Of(c.lenient)}));
+    }
+    // The pairing comes before the target test: a full target still reports the lone half.
+    EXPECT_EQ(Convert(&ZelConvertUTF16toUTF32, Units16({0xDC00}), 0, ZelConvStrict).status, ZelConvSourceIllegal);
+    EXPECT_EQ(Convert(&ZelConvertUTF16toUTF8, Units16({0xDC00}), 0, ZelConvStrict).status, ZelConvSourceIllegal);
+}
+
+TEST(UtfConvert, Utf16TargetExhaustedKeepsWholeCharacters) {
+    const Units16 pair = {0x61, 0xD83D, 0xDE00};
+    EXPECT_EQ(Convert(&ZelConvertUTF16toUTF32, pair, 1, ZelConvStrict),
+              (Outcome<ZelUTF32>{ZelConvTargetExhausted, 1, {0x61}}));
+    // To UTF-8 a character is written whole or not at all.
+    for (size_t room : {1, 2, 3, 4})
+        EXPECT_EQ(Convert(&ZelConvertUTF16toUTF8, pair, room, ZelConvStrict),
+                  (Outcome<ZelUTF8>{ZelConvTargetExhausted, 1, {0x61}}));
+    EXPECT_EQ(Convert(&ZelConvertUTF16toUTF8, U16(u"\uAC00"), 2, ZelConvStrict),
+              (Outcome<ZelUTF8>{ZelConvTargetExhausted, 0, {}}));
+}
+
+TEST(UtfConvert, Utf32ToUtf16) {
+    using R = Outcome<ZelUTF16>;
+    // A pair needs two places; with one left nothing of it is written.
+    EXPECT_EQ(Convert(&ZelConvertUTF32toUTF16, Units32({0x61, 0x10000}), 2, ZelConvStrict),
+              (R{ZelConvTargetExhausted, 1, U16(u"a")}));
+    // Beyond U+10FFFF a strict run passes over the value, converts the rest and reports it at the
+    // end, with the source used up; a lenient run writes U+FFFD.
+    const Units32 beyond = {0x41, 0x110000, 0x42};
+    EXPECT_EQ(ConvertAll(&ZelConvertUTF32toUTF16, beyond, ZelConvStrict), (R{ZelConvSourceIllegal, 3, U16(u"AB")}));
+    EXPECT_EQ(ConvertAll(&ZelConvertUTF32toUTF16, beyond, ZelConvLenient), (R{ZelConvOk, 3, U16(u"A\uFFFDB")}));
+    // A later stop replaces the remembered status.
+    EXPECT_EQ(Convert(&ZelConvertUTF32toUTF16, Units32({0xFFFFFFFF, 0x41, 0x42}), 1, ZelConvStrict),
+              (R{ZelConvTargetExhausted, 2, U16(u"A")}));
+    EXPECT_EQ(ConvertAll(&ZelConvertUTF32toUTF16, Units32({0x110000, 0x41, 0xDFFF, 0x42}), ZelConvStrict),
+              (R{ZelConvSourceIllegal, 2, U16(u"A")}));
+
+    // Surrogate values stop a strict run and pass a lenient one (any flags but 0) as they are.
+    const Units32 surrogate = {0x61, 0xDC00, 0x62};
+    EXPECT_EQ(ConvertAll(&ZelConvertUTF32toUTF16, surrogate, ZelConvStrict), (R{ZelConvSourceIllegal, 1, U16(u"a")}));
+    EXPECT_EQ(ConvertAll(&ZelConvertUTF32toUTF16, surrogate, 0x80000000u), (R{ZelConvOk, 3, {0x61, 0xDC00, 0x62}}));
+    // The target is tested before the value.
+    EXPECT_EQ(Convert(&ZelConvertUTF32toUTF16, surrogate, 1, ZelConvStrict), (R{ZelConvTargetExhausted, 1, U16(u"a")}));
+}
+
+TEST(UtfConvert, Utf32ToUtf8) {
+    using R = Outcome<ZelUTF8>;
+    for (DWORD flags : {DWORD(ZelConvStrict), DWORD(ZelConvLenient)}) {
+        // Up to 0x1FFFFF every value takes its four bytes, which the decoders refuse; from 0x200000
+        // up, U+FFFD. Neither is an error.
+        const R r = ConvertAll(&ZelConvertUTF32toUTF8, Units32({0x110000, 0x1FFFFF, 0x200000, 0xFFFFFFFF}), flags);
+        EXPECT_EQ(r, (R{ZelConvOk, 4,
+                        B({0xF4, 0x90, 0x80, 0x80, 0xF7, 0xBF, 0xBF, 0xBF, 0xEF, 0xBF, 0xBD, 0xEF, 0xBF, 0xBD})}));
+        EXPECT_EQ(ConvertAll(&ZelConvertUTF8toUTF32, Bytes(r.out.begin(), r.out.begin() + 4)).status,
+                  ZelConvSourceIllegal);
+    }
+    const Units32 surrogate = {0x61, 0xD800, 0x62};
+    EXPECT_EQ(ConvertAll(&ZelConvertUTF32toUTF8, surrogate, ZelConvStrict), (R{ZelConvSourceIllegal, 1, B({0x61})}));
+    EXPECT_EQ(ConvertAll(&ZelConvertUTF32toUTF8, surrogate, ZelConvLenient),
+              (R{ZelConvOk, 3, B({0x61, 0xED, 0xA0, 0x80, 0x62})}));
+    // Here the value is tested before the target.
+    EXPECT_EQ(Convert(&ZelConvertUTF32toUTF8, surrogate, 1, ZelConvStrict), (R{ZelConvSourceIllegal, 1, B({0x61})}));
+    // A character is written whole or not at all.
+    EXPECT_EQ(Convert(&ZelConvertUTF32toUTF8, Units32({0x61, 0x10FFFF}), 4, ZelConvStrict),
+              (R{ZelConvTargetExhausted, 1, B({0x61})}));
+}
+
+}  // namespace
