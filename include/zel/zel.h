@@ -7,5 +7,6 @@
 #include <zel/frame.h>
 #include <zel/strings.h>
 #include <zel/codetables.h>
+#include <zel/bidi.h>
 
 #endif  // ZEL_ZEL_H
