@@ -20,6 +20,8 @@ int RunBase64(const Args& args);
 int RunHex(const Args& args);
 int RunKana(const Args& args);
 int RunWidth(const Args& args);
+int RunBidi(const Args& args);
+int RunShape(const Args& args);
 
 // Every subcommand, in the order zel --help lists them.
 const std::vector<Command>& Commands();

@@ -1,4 +1,5 @@
 // zel demo: the library's services on bundled samples.
+#include <zel/bidi.h>
 #include <zel/codetables.h>
 #include <zel/frame.h>
 #include <zel/strings.h>
@@ -133,6 +134,21 @@ void Strings() {
     printf("  \"Zel 70\" in full width: \"%s\"\n", ToUtf8(ascii.c_str()).c_str());
 }
 
+void Bidi() {
+    printf("\n== Bidirectional text and Arabic shaping\n");
+    const std::u16string logical = u"Morvalis עברית (3.2) مرحبا 2026";
+    std::u16string display = logical;
+    std::vector<WORD> levels(logical.size());
+    BidiString(display.data(), static_cast<DWORD>(display.size()), nullptr, levels.data(), 1, 0);
+    std::string levelText;
+    for (WORD level : levels) levelText += static_cast<char>('0' + level);
+    printf("  logical: %s\n  display: %s\n  levels:  %s\n", ToUtf8(logical.c_str()).c_str(),
+           ToUtf8(display.c_str()).c_str(), levelText.c_str());
+    std::vector<WCHAR> shaped(logical.size() + 1, 0);
+    ShapeString(shaped.data(), logical.data(), static_cast<DWORD>(logical.size()), nullptr, nullptr, 1, 0);
+    printf("  shaped:  %s\n", ToUtf8(shaped.data()).c_str());
+}
+
 }  // namespace
 
 int RunDemo(const Args& args) {
@@ -143,5 +159,6 @@ int RunDemo(const Args& args) {
     printf("ZelBL70KT demo\n\n");
     ModuleFrame();
     Strings();
+    Bidi();
     return 0;
 }

@@ -24,6 +24,8 @@ const std::vector<Command>& Commands() {
         {"hex", "the \"U+\" form of text, and /uXXXX escapes", RunHex},
         {"kana", "Kana to full or half width, to Hiragana or Katakana", RunKana},
         {"width", "exchange half-width and full-width characters", RunWidth},
+        {"bidi", "a line of mixed-direction text in display order, with its levels", RunBidi},
+        {"shape", "a line with Arabic presentation forms, in display order", RunShape},
     };
     return commands;
 }

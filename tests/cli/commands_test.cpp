@@ -18,7 +18,7 @@ ProgramResult Zel(const std::vector<std::string>& args, const std::string& input
 TEST(Command, HelpListsTheSubcommandsAndEachHasItsOwn) {
     ProgramResult help = Zel({"--help"});
     EXPECT_EQ(help.status, 0);
-    for (const char* name : {"demo", "modules", "utf", "base64", "hex", "kana", "width"}) {
+    for (const char* name : {"demo", "modules", "utf", "base64", "hex", "kana", "width", "bidi", "shape"}) {
         EXPECT_NE(help.out.find(std::string("  ") + name + " "), std::string::npos) << name;
         ProgramResult own = Zel({name, "--help"});
         EXPECT_EQ(own.status, 0) << name;
@@ -87,11 +87,25 @@ TEST(Command, KanaAndWidth) {
     EXPECT_EQ(Zel({"kana", "sideways", "x"}).status, 2);
 }
 
+TEST(Command, BidiAndShape) {
+    ProgramResult line = Zel({"bidi", "abc مرحبا 123"});
+    ASSERT_EQ(line.status, 0) << line.err;
+    EXPECT_EQ(line.out, "abc ابحرم 123\n0000111110000\n");
+    ProgramResult rtl = Zel({"bidi", "--rtl", "--mirror"}, "(abc)\n");
+    EXPECT_EQ(rtl.out, "(abc)\n12221\n");
+    EXPECT_EQ(Zel({"bidi", "--rtl"}, "(abc)").out, ")abc(\n12221\n");
+    EXPECT_EQ(Zel({"shape", "--codes", "لا"}).out, "FEFB\n");
+    EXPECT_EQ(Zel({"shape", "--codes", "سلام"}).out, "FEE1 FEFC FEB3\n");
+    EXPECT_EQ(Zel({"shape", "plain text"}).out, "plain text\n");
+    EXPECT_EQ(Zel({"shape", "--sideways", "x"}).status, 2);
+}
+
 TEST(Command, DemoRunsThroughEveryService) {
     ProgramResult demo = Zel({"demo"});
     ASSERT_EQ(demo.status, 0) << demo.err;
     for (const char* section : {"== Module frame", "== Bounded strings", "== UTF converters",
-                                "== Base64 and hexadecimal forms", "== Kana and width"})
+                                "== Base64 and hexadecimal forms", "== Kana and width",
+                                "== Bidirectional text and Arabic shaping"})
         EXPECT_NE(demo.out.find(section), std::string::npos) << section;
     EXPECT_NE(demo.out.find("ガギグパ"), std::string::npos);
 }

@@ -1,0 +1,59 @@
+// The steps of Arabic shaping behind ShapeString: neighbours and forms in a visual buffer, and the
+// walk that writes presentation forms.
+#ifndef ZEL_BIDI_SHAPING_INTERNAL_H
+#define ZEL_BIDI_SHAPING_INTERNAL_H
+
+#include <zel/bidi.h>
+#include <zel/wintypes.h>
+
+namespace zelshape {
+
+// Form numbers; each is also the offset of the form from the first form of a letter.
+constexpr int kIsolated = 0;
+constexpr int kFinal = 1;
+constexpr int kInitial = 2;
+constexpr int kMedial = 3;
+
+// Joining types as the property look-up gives them.
+constexpr WORD kJoinNone = 0;
+constexpr WORD kJoinDual = 1;
+constexpr WORD kJoinRight = 2;
+constexpr WORD kJoinCausing = 3;
+
+// What a neighbour search gives when it runs off the buffer: a character of joining type none.
+constexpr WCHAR kNoBase = 0xFFFD;
+// What a formatting control turns into, so that it keeps its place.
+constexpr WCHAR kBlank = 0x200B;
+constexpr WCHAR kLam = 0x0644;
+
+// Index of a search that found nothing.
+constexpr DWORD kNoIndex = 0xFFFFFFFFu;
+
+// The block that is shaped.
+inline bool IsArabicBlock(WCHAR c) { return c >= 0x0600 && c <= 0x06FF; }
+// The four alefs that join a lam into a ligature.
+inline bool IsLigatureAlef(WCHAR c) { return c == 0x0622 || c == 0x0623 || c == 0x0625 || c == 0x0627; }
+// Zero-width joiners and non-joiners, direction marks and explicit embeddings.
+inline bool IsFormatControl(WCHAR c) { return (c >= 0x200C && c <= 0x200F) || (c >= 0x202A && c <= 0x202E); }
+
+// The nearest index below (above) index whose character is not a mark (category Mn); kNoIndex at
+// the start (end) of the buffer.
+DWORD PrevBaseIndex(const WCHAR* text, DWORD index);
+DWORD NextBaseIndex(const WCHAR* text, DWORD count, DWORD index);
+
+// The characters at those indices, kNoBase when there is none.
+WCHAR ShapePrevBase(const WCHAR* text, DWORD index);
+WCHAR ShapeNextBase(const WCHAR* text, DWORD count, DWORD index);
+
+// The form number of the character at index by its joining type and those of its neighbours in
+// the buffer.
+int ShapeForm(const WCHAR* text, DWORD count, DWORD index);
+
+// Writes the presentation forms of a visual buffer of count units to destination, walking the
+// buffer backwards when asked, and a terminator behind them. Gives the number of units written
+// before the terminator, at most count.
+DWORD ShapeVisualText(WCHAR* destination, const WCHAR* source, DWORD count, bool backwards);
+
+}  // namespace zelshape
+
+#endif  // ZEL_BIDI_SHAPING_INTERNAL_H
