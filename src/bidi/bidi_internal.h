@@ -136,6 +136,12 @@ private:
     T* data_;
 };
 
+// The first half of a line's way to display, shared by BidiString and ShapeString: the levels are
+// resolved and the classes set back to the stored ones. True when some level was raised.
+bool ResolveLine(const WCHAR* text, DWORD count, WORD baseLevel, WORD* classes, WORD* levels);
+// The second half: white space back to the base level, mirroring when asked for, reordering.
+void ToDisplayOrder(WCHAR* text, DWORD count, WORD baseLevel, const WORD* classes, WORD* levels, bool mirror);
+
 }  // namespace zelbidi
 
 #endif  // ZEL_BIDI_BIDI_INTERNAL_H

@@ -3,6 +3,21 @@
 
 using namespace zelbidi;
 
+bool zelbidi::ResolveLine(const WCHAR* text, DWORD count, WORD baseLevel, WORD* classes, WORD* levels) {
+    BidiClassify(text, count, classes, ClassMode::Resolve);
+    DWORD raised = 0;
+    BidiAlgorithm(baseLevel, text, count, classes, levels, &raised);
+    BidiClassify(text, count, classes, ClassMode::Raw);
+    return raised != 0;
+}
+
+void zelbidi::ToDisplayOrder(WCHAR* text, DWORD count, WORD baseLevel, const WORD* classes, WORD* levels,
+                             bool mirror) {
+    BidiResolveWhitespace(baseLevel, classes, levels, count);
+    if (mirror) BidiMirrorText(text, levels, count);
+    BidiReorder(baseLevel, text, levels, count);
+}
+
 DWORD BidiString(WCHAR* text, DWORD count, WORD* classes, WORD* levels, int mirror, int direction) {
     if (!text && count) return 0;
     const WORD base = direction == 1 ? 1 : 0;
@@ -15,15 +30,9 @@ DWORD BidiString(WCHAR* text, DWORD count, WORD* classes, WORD* levels, int mirr
     levels = levelScratch.Get();
     if (!classes || !levels) return 0;
 
-    BidiClassify(text, count, classes, ClassMode::Resolve);
-    DWORD raised = 0;
-    BidiAlgorithm(base, text, count, classes, levels, &raised);
-    BidiClassify(text, count, classes, ClassMode::Raw);
+    const bool raised = ResolveLine(text, count, base, classes, levels);
     // A left-to-right line with nothing raised reads as it stands.
     if (!raised && base == 0) return count;
-
-    BidiResolveWhitespace(base, classes, levels, count);
-    if (mirror) BidiMirrorText(text, levels, count);
-    BidiReorder(base, text, levels, count);
+    ToDisplayOrder(text, count, base, classes, levels, mirror != 0);
     return count;
 }

@@ -6,7 +6,6 @@
 #include "bidi/bidi_internal.h"
 #include "bidi/shaping_internal.h"
 
-using zelbidi::ClassMode;
 using zelbidi::Scratch;
 
 DWORD ShapeString(WCHAR* destination, const WCHAR* source, DWORD count, WORD* classes, WORD* levels, int mirror,
@@ -26,10 +25,7 @@ DWORD ShapeString(WCHAR* destination, const WCHAR* source, DWORD count, WORD* cl
         return 0;
     }
 
-    zelbidi::BidiClassify(source, count, classes, ClassMode::Resolve);
-    DWORD raised = 0;
-    BidiAlgorithm(base, source, count, classes, levels, &raised);
-    zelbidi::BidiClassify(source, count, classes, ClassMode::Raw);
+    const bool raised = zelbidi::ResolveLine(source, count, base, classes, levels);
 
     // A left-to-right line with nothing raised has no right-to-left text and so nothing to shape:
     // it is copied exactly, controls and all, with no terminator.
@@ -46,9 +42,7 @@ DWORD ShapeString(WCHAR* destination, const WCHAR* source, DWORD count, WORD* cl
     }
     std::copy(source, source + count, visual);
 
-    BidiResolveWhitespace(base, classes, levels, count);
-    if (mirror) zelbidi::BidiMirrorText(visual, levels, count);
-    zelbidi::BidiReorder(base, visual, levels, count);
+    zelbidi::ToDisplayOrder(visual, count, base, classes, levels, mirror != 0);
 
     // A right-to-left line is written from its rightmost character on.
     zelshape::ShapeVisualText(destination, visual, count, base != 0);
