@@ -1,6 +1,5 @@
-// Level resolution and display order of single lines: the weak and neutral rules through whole
-// lines of Arabic, Hebrew, Latin and digits, white space at the line's end and before separators,
-// mirroring, and lines far longer than the stack scratch space.
+// Level resolution and display order of single lines: the weak and neutral rules, white space at
+// the line's end and before separators, mirroring, and lines far longer than the stack scratch space.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -14,25 +13,14 @@ namespace {
 
 using Levels = std::vector<WORD>;
 
-// Arabic letters (AL), Hebrew letters as stored here (L), Hebrew presentation forms (R).
+constexpr WORD ON = ZelBidiON, L = ZelBidiL, R = ZelBidiR, AN = ZelBidiAN, EN = ZelBidiEN, AL = ZelBidiAL;
+constexpr WORD NSM = ZelBidiNSM, CS = ZelBidiCS, ET = ZelBidiET, BN = ZelBidiBN, S = ZelBidiS, WS = ZelBidiWS;
+constexpr WORD B = ZelBidiB, RLO = ZelBidiRLO, LRE = ZelBidiLRE, PDF = ZelBidiPDF;
+constexpr WORD kSkip = 0xFFFF;
 constexpr WCHAR kAlef = 0x0627;
 constexpr WCHAR kBeh = 0x0628;
-constexpr WCHAR kTeh = 0x062A;
-constexpr WCHAR kHebAlef = 0x05D0;
-constexpr WCHAR kHebBet = 0x05D1;
-constexpr WCHAR kWideAlef = 0xFB21;
-constexpr WCHAR kWideDalet = 0xFB22;
-constexpr WCHAR kZwj = 0x200D;
-constexpr WCHAR kLre = 0x202A;
-constexpr WCHAR kRlo = 0x202E;
-constexpr WCHAR kPdf = 0x202C;
-constexpr WORD kSkip = 0xFFFF;
 
-struct Line {
-    std::u16string display;
-    Levels levels;
-    DWORD result;
-};
+struct Line { std::u16string display; Levels levels; DWORD result; };
 
 // BidiString over exact-size heap buffers, so that a step past either end shows.
 Line Display(const std::u16string& text, int direction, int mirror = 0) {
@@ -44,240 +32,143 @@ Line Display(const std::u16string& text, int direction, int mirror = 0) {
     return {std::u16string(buffer.begin(), buffer.end()), levels, n};
 }
 
-struct Resolved {
-    Levels classes;
-    Levels levels;
-    DWORD raised;
-};
+// Levels start as 9, which skipped positions keep.
+struct ResolveCase { Levels classes; LONG base; Levels resolved, levels; };
 
-Resolved Resolve(Levels classes, LONG base, Levels levels = {}) {
-    levels.resize(classes.size(), 0x5555);
-    DWORD raised = 7;
-    EXPECT_EQ(BidiAlgorithm(base, nullptr, static_cast<DWORD>(classes.size()), classes.data(), levels.data(), &raised),
-              classes.size());
-    return {classes, levels, raised};
-}
-
-TEST(BidiResolve, WeakTypesAfterArabicAndLatin) {
-    // Digits behind Arabic letters: the first turns AN, the ones behind it stay EN.
-    auto r = Resolve({ZelBidiAL, ZelBidiAL, ZelBidiAL, ZelBidiEN, ZelBidiEN, ZelBidiEN}, 0);
-    EXPECT_EQ(r.classes, (Levels{ZelBidiR, ZelBidiR, ZelBidiR, ZelBidiAN, ZelBidiEN, ZelBidiEN}));
-    EXPECT_EQ(r.levels, (Levels{1, 1, 1, 2, 2, 2}));
-    EXPECT_EQ(r.raised, 1u);
-
-    // Behind a neutral after Arabic the first digit becomes L, and the neutral step takes the
-    // others along.
-    r = Resolve({ZelBidiAL, ZelBidiAL, ZelBidiAL, ZelBidiON, ZelBidiEN, ZelBidiEN, ZelBidiEN}, 0);
-    EXPECT_EQ(r.levels, (Levels{1, 1, 1, 0, 0, 0, 0}));
-
-    // A common separator between numbers after Arabic joins them as AN; one at the end is a
-    // neutral and takes the base direction.
-    r = Resolve({ZelBidiAL, ZelBidiEN, ZelBidiCS, ZelBidiEN, ZelBidiCS}, 0);
-    EXPECT_EQ(r.classes, (Levels{ZelBidiR, ZelBidiAN, ZelBidiAN, ZelBidiAN, ZelBidiL}));
-
+const ResolveCase kResolveCases[] = {
+    // Digits behind Arabic letters: the first turns AN, the ones behind it stay EN. Behind a
+    // neutral after Arabic the first digit becomes L, and the neutral step takes the others along.
+    {{AL, AL, AL, EN, EN, EN}, 0, {R, R, R, AN, EN, EN}, {1, 1, 1, 2, 2, 2}},
+    {{AL, AL, AL, ON, EN, EN, EN}, 0, {R, R, R, L, L, L, L}, {1, 1, 1, 0, 0, 0, 0}},
+    // A common separator between numbers after Arabic joins them as AN; one at the end is a neutral.
+    {{AL, EN, CS, EN, CS}, 0, {R, AN, AN, AN, L}, {1, 2, 2, 2, 0}},
     // Terminators take the class of the number they touch after L, and stay neutral after R.
-    r = Resolve({ZelBidiL, ZelBidiET, ZelBidiET, ZelBidiEN, ZelBidiR, ZelBidiET, ZelBidiON}, 0);
-    EXPECT_EQ(r.classes, (Levels{ZelBidiL, ZelBidiL, ZelBidiL, ZelBidiL, ZelBidiR, ZelBidiL, ZelBidiL}));
-    r = Resolve({ZelBidiR, ZelBidiEN, ZelBidiET, ZelBidiET, ZelBidiR}, 0);
-    EXPECT_EQ(r.classes, (Levels{ZelBidiR, ZelBidiEN, ZelBidiEN, ZelBidiEN, ZelBidiR}));
-    EXPECT_EQ(r.levels, (Levels{1, 2, 2, 2, 1}));
-
+    {{L, ET, ET, EN, R, ET, ON}, 0, {L, L, L, L, R, L, L}, {0, 0, 0, 0, 1, 0, 0}},
+    {{R, EN, ET, ET, R}, 0, {R, EN, EN, EN, R}, {1, 2, 2, 2, 1}},
     // Marks follow the letter before them, and at the line's start the base direction.
-    r = Resolve({ZelBidiNSM, ZelBidiR, ZelBidiNSM, ZelBidiNSM, ZelBidiL, ZelBidiNSM}, 1);
-    EXPECT_EQ(r.classes, (Levels{ZelBidiR, ZelBidiR, ZelBidiR, ZelBidiR, ZelBidiL, ZelBidiL}));
-    EXPECT_EQ(r.levels, (Levels{1, 1, 1, 1, 2, 2}));
-}
-
-TEST(BidiResolve, NeutralsTakeTheirSurroundingsOrTheLevel) {
+    {{NSM, R, NSM, NSM, L, NSM}, 1, {R, R, R, R, L, L}, {1, 1, 1, 1, 2, 2}},
     // Between two R, and between R and a number, a neutral is R; between L and R it takes the
-    // direction of the level.
-    auto r = Resolve({ZelBidiR, ZelBidiON, ZelBidiR, ZelBidiON, ZelBidiAN, ZelBidiON, ZelBidiL}, 0);
-    EXPECT_EQ(r.classes, (Levels{ZelBidiR, ZelBidiR, ZelBidiR, ZelBidiR, ZelBidiAN, ZelBidiL, ZelBidiL}));
-    r = Resolve({ZelBidiL, ZelBidiON, ZelBidiR}, 1);
-    EXPECT_EQ(r.classes, (Levels{ZelBidiL, ZelBidiR, ZelBidiR}));
-    EXPECT_EQ(r.levels, (Levels{2, 1, 1}));
-    // At the end of the line the base direction stands in for a next character.
-    r = Resolve({ZelBidiL, ZelBidiON, ZelBidiON}, 1);
-    EXPECT_EQ(r.levels, (Levels{2, 1, 1}));
-    r = Resolve({ZelBidiL, ZelBidiON, ZelBidiON}, 0);
-    EXPECT_EQ(r.levels, (Levels{0, 0, 0}));
-    EXPECT_EQ(r.raised, 0u);
-}
-
-TEST(BidiResolve, ControlsSeparatorsAndSkippedPositions) {
+    // direction of the level. At the end of the line the base direction stands in for a next one.
+    {{R, ON, R, ON, AN, ON, L}, 0, {R, R, R, R, AN, L, L}, {1, 1, 1, 1, 2, 0, 0}},
+    {{L, ON, R}, 1, {L, R, R}, {2, 1, 1}},
+    {{L, ON, ON}, 1, {L, R, R}, {2, 1, 1}},
+    {{L, ON, ON}, 0, {L, L, L}, {0, 0, 0}},
     // Explicit controls and paragraph separators are BN: no embedding, no new paragraph. A BN
     // alone stays BN at the base level; inside a neutral run it is resolved with the run.
-    auto r = Resolve({ZelBidiRLO, ZelBidiL, ZelBidiB, ZelBidiR, ZelBidiON, ZelBidiLRE, ZelBidiR, ZelBidiPDF}, 0);
-    EXPECT_EQ(r.classes, (Levels{ZelBidiBN, ZelBidiL, ZelBidiBN, ZelBidiR, ZelBidiR, ZelBidiR, ZelBidiR, ZelBidiBN}));
-    EXPECT_EQ(r.levels, (Levels{0, 0, 0, 1, 1, 1, 1, 0}));
-
+    {{RLO, L, B, R, ON, LRE, R, PDF}, 0, {BN, L, BN, R, R, R, R, BN}, {0, 0, 0, 1, 1, 1, 1, 0}},
     // A skipped position keeps class and level, breaks no run and fills none.
-    r = Resolve({ZelBidiAL, kSkip, ZelBidiEN}, 0, {9, 9, 9});
-    EXPECT_EQ(r.classes, (Levels{ZelBidiR, kSkip, ZelBidiAN}));
-    EXPECT_EQ(r.levels, (Levels{1, 9, 2}));
-    r = Resolve({ZelBidiL, ZelBidiET, kSkip, ZelBidiEN, ZelBidiR, kSkip, ZelBidiON, kSkip}, 0, {9, 9, 9, 9, 9, 9, 9, 9});
-    EXPECT_EQ(r.classes, (Levels{ZelBidiL, ZelBidiL, kSkip, ZelBidiL, ZelBidiR, kSkip, ZelBidiL, kSkip}));
-    EXPECT_EQ(r.levels, (Levels{0, 0, 9, 0, 1, 9, 0, 9}));
-
+    {{AL, kSkip, EN}, 0, {R, kSkip, AN}, {1, 9, 2}},
+    {{L, ET, kSkip, EN, R, kSkip, ON, kSkip}, 0, {L, L, kSkip, L, R, kSkip, L, kSkip}, {0, 0, 9, 0, 1, 9, 0, 9}},
     // Only the lowest bit of the base level gives the direction; its lower 16 bits are stored.
-    r = Resolve({ZelBidiL, ZelBidiR, ZelBidiEN}, 0x10002);
-    EXPECT_EQ(r.levels, (Levels{2, 3, 4}));
-    r = Resolve({ZelBidiL, ZelBidiR}, 5);
-    EXPECT_EQ(r.levels, (Levels{6, 5}));
+    {{L, R, EN}, 0x10002, {L, R, EN}, {2, 3, 4}},
+    {{L, R}, 5, {L, R}, {6, 5}},
+    {{}, 1, {}, {}},
+};
 
-    // Nothing to resolve: raised is 0. A null raised pointer changes nothing else.
-    r = Resolve({}, 1);
-    EXPECT_EQ(r.raised, 0u);
-    Levels classes{ZelBidiAL, ZelBidiWS, ZelBidiEN, ZelBidiS};
-    Levels levels(4);
-    EXPECT_EQ(BidiAlgorithm(0, nullptr, 4, classes.data(), levels.data(), nullptr), 4u);
-    r = Resolve({ZelBidiAL, ZelBidiWS, ZelBidiEN, ZelBidiS}, 0);
-    EXPECT_EQ(classes, r.classes);
-    EXPECT_EQ(levels, r.levels);
+TEST(BidiResolve, WeakAndNeutralRules) {
+    for (const ResolveCase& c : kResolveCases) {
+        const auto at = &c - kResolveCases;
+        bool above = false;
+        for (size_t i = 0; i < c.levels.size(); ++i)
+            above |= c.classes[i] != kSkip && c.levels[i] > static_cast<WORD>(c.base);
+        // A null raised pointer changes nothing else.
+        DWORD raised = 7;
+        for (DWORD* raisedAt : {&raised, static_cast<DWORD*>(nullptr)}) {
+            Levels classes = c.classes;
+            Levels levels(classes.size(), 9);
+            const auto count = static_cast<DWORD>(classes.size());
+            EXPECT_EQ(BidiAlgorithm(c.base, nullptr, count, classes.data(), levels.data(), raisedAt), count);
+            EXPECT_EQ(classes, c.resolved) << "case " << at;
+            EXPECT_EQ(levels, c.levels) << "case " << at;
+        }
+        EXPECT_EQ(raised, above ? 1u : 0u) << "case " << at;
+    }
 }
 
 TEST(BidiResolve, WhitespaceBackToTheBaseLevel) {
-    // Trailing white space and white space before a segment separator; an explicit control in the
-    // run neither ends it nor counts, so the reset is counted back from the separator.
-    Levels levels{1, 1, 1, 1, 1, 1};
-    BidiResolveWhitespace(0, Levels{ZelBidiAL, ZelBidiWS, ZelBidiLRE, ZelBidiWS, ZelBidiS, ZelBidiAL}.data(),
-                          levels.data(), 6);
-    EXPECT_EQ(levels, (Levels{1, 1, 0, 0, 0, 1}));
-
-    levels = {2, 2, 2, 2, 2};
-    BidiResolveWhitespace(1, Levels{ZelBidiL, ZelBidiWS, ZelBidiL, ZelBidiWS, ZelBidiWS}.data(), levels.data(), 5);
-    EXPECT_EQ(levels, (Levels{2, 2, 2, 1, 1}));
-
-    // A BN takes the level before it and lengthens the run; a skipped position lengthens the run
-    // without its level being taken over.
-    levels = {2, 5, 7, 2, 3, 2};
-    BidiResolveWhitespace(1, Levels{ZelBidiL, ZelBidiBN, kSkip, ZelBidiBN, ZelBidiB, ZelBidiL}.data(), levels.data(),
-                          6);
-    EXPECT_EQ(levels, (Levels{2, 1, 1, 1, 1, 2}));
-    levels = {2, 5, 7};
-    BidiResolveWhitespace(1, Levels{ZelBidiL, ZelBidiBN, ZelBidiL}.data(), levels.data(), 3);
-    EXPECT_EQ(levels, (Levels{2, 2, 7}));
+    struct Case { WORD base; Levels classes, levels, expected; };
+    const Case cases[] = {
+        // Trailing white space and white space before a segment separator; an explicit control in
+        // the run neither ends it nor counts, so the reset is counted back from the separator.
+        {0, {AL, WS, LRE, WS, S, AL}, {1, 1, 1, 1, 1, 1}, {1, 1, 0, 0, 0, 1}},
+        {1, {L, WS, L, WS, WS}, {2, 2, 2, 2, 2}, {2, 2, 2, 1, 1}},
+        // A BN takes the level before it and lengthens the run; a skipped position lengthens the
+        // run without its level being taken over.
+        {1, {L, BN, kSkip, BN, B, L}, {2, 5, 7, 2, 3, 2}, {2, 1, 1, 1, 1, 2}},
+        {1, {L, BN, L}, {2, 5, 7}, {2, 2, 7}},
+    };
+    for (const Case& c : cases) {
+        Levels levels = c.levels;
+        BidiResolveWhitespace(c.base, c.classes.data(), levels.data(), static_cast<DWORD>(levels.size()));
+        EXPECT_EQ(levels, c.expected) << "case " << &c - cases;
+    }
 }
 
-TEST(BidiString, LeftToRightLinesStayAsTheyAre) {
-    // Nothing raised at base level 0: no reordering, no mirroring, no white space step.
-    const std::u16string latin = u"a(b) [c]  ";
-    Line line = Display(latin, 0, 1);
-    EXPECT_EQ(line.display, latin);
-    EXPECT_EQ(line.levels, Levels(latin.size(), 0));
-    EXPECT_EQ(line.result, latin.size());
+// Lines in logical order. U+0627, U+0628, U+062A are Arabic letters (AL), U+05D0 a Hebrew letter,
+// which these tables keep L, U+FB21, U+FB22 Hebrew presentation forms (R).
+struct LineCase { std::u16string text; int direction, mirror; Levels levels; std::u16string display; };
 
-    // The Hebrew letters are L in these tables.
-    const std::u16string hebrew{kHebAlef, kHebBet, u' ', kHebBet};
-    EXPECT_EQ(Display(hebrew, 0).display, hebrew);
-
-    // Explicit controls don't embed or override.
-    const std::u16string controls{kRlo, u'a', u'b', kPdf};
-    EXPECT_EQ(Display(controls, 0).display, controls);
-
-    // In a right-to-left line L is raised to 2 and the two reversals cancel out.
-    line = Display(u"abc", 1);
-    EXPECT_EQ(line.display, u"abc");
-    EXPECT_EQ(line.levels, (Levels{2, 2, 2}));
-}
-
-TEST(BidiString, MixedLines) {
-    // Arabic and digits in a left-to-right line: the number keeps its order within the Arabic.
-    Line line = Display({kAlef, kBeh, kTeh, u'1', u'2', u'3'}, 0);
-    EXPECT_EQ(line.levels, (Levels{1, 1, 1, 2, 2, 2}));
-    EXPECT_EQ(line.display, (std::u16string{u'1', u'2', u'3', kTeh, kBeh, kAlef}));
-
-    line = Display({kAlef, kBeh, kTeh, u' ', u'1', u'2', u'3'}, 0);
-    EXPECT_EQ(line.levels, (Levels{1, 1, 1, 0, 0, 0, 0}));
-    EXPECT_EQ(line.display, (std::u16string{kTeh, kBeh, kAlef, u' ', u'1', u'2', u'3'}));
-
+const LineCase kLines[] = {
+    // Nothing raised at base level 0: no reordering, no mirroring, no white space step; explicit
+    // controls don't embed or override. Right to left, L is raised to 2 and the reversals cancel.
+    {u"a(b) [c]  ", 0, 1, Levels(10, 0), u"a(b) [c]  "},
+    {u"\u202Eab\u202C", 0, 0, {0, 0, 0, 0}, u"\u202Eab\u202C"},
+    {u"abc", 1, 0, {2, 2, 2}, u"abc"},
+    // A number keeps its order within the Arabic; behind a space it is back at the base level.
+    {u"\u0627\u0628\u062A123", 0, 0, {1, 1, 1, 2, 2, 2}, u"123\u062A\u0628\u0627"},
+    {u"\u0627\u0628\u062A 123", 0, 0, {1, 1, 1, 0, 0, 0, 0}, u"\u062A\u0628\u0627 123"},
     // Latin, Arabic, digits and Latin in both directions.
-    const std::u16string text{u'a', u'b', u' ', kAlef, kBeh, u' ', u'1', u'2', u' ', u'c'};
-    line = Display(text, 0);
-    EXPECT_EQ(line.levels, (Levels{0, 0, 0, 1, 1, 0, 0, 0, 0, 0}));
-    EXPECT_EQ(line.display, (std::u16string{u'a', u'b', u' ', kBeh, kAlef, u' ', u'1', u'2', u' ', u'c'}));
-    line = Display(text, 1);
-    EXPECT_EQ(line.levels, (Levels{2, 2, 1, 1, 1, 1, 2, 2, 2, 2}));
-    EXPECT_EQ(line.display, (std::u16string{u'1', u'2', u' ', u'c', u' ', kBeh, kAlef, u' ', u'a', u'b'}));
+    {u"ab \u0627\u0628 12 c", 0, 0, {0, 0, 0, 1, 1, 0, 0, 0, 0, 0}, u"ab \u0628\u0627 12 c"},
+    {u"ab \u0627\u0628 12 c", 1, 0, {2, 2, 1, 1, 1, 1, 2, 2, 2, 2}, u"12 c \u0628\u0627 ab"},
+    // Presentation forms are R, a Hebrew letter between them L; any direction but 1 is left to right.
+    {u"\uFB21 \u05D0 \uFB22", 0, 0, {1, 0, 0, 0, 1}, u"\uFB21 \u05D0 \uFB22"},
+    {u"\uFB21 \uFB22!", 0, 0, {1, 1, 1, 0}, u"\uFB22 \uFB21!"},
+    {u"\uFB21 \uFB22!", 2, 0, {1, 1, 1, 0}, u"\uFB22 \uFB21!"},
+    // The full stop behind a number is part of it, in either direction; so is a run of them, and a
+    // decimal number inside Arabic reads as one. A full stop that opens the line has nothing to follow.
+    {u"1.", 1, 0, {2, 2}, u"1."},
+    {u"a.", 1, 0, {2, 1}, u".a"},
+    {u"\u0627 1.5..", 1, 0, {1, 1, 2, 2, 2, 2, 2}, u"1.5.. \u0627"},
+    {u".1\u0627", 1, 0, {1, 2, 1}, u"\u06271."},
+    // White space before a tab, a line feed (no new paragraph) and trailing white space go to the base level.
+    {u"a \tb", 1, 0, {2, 1, 1, 2}, u"b\t a"},
+    {u"a\nb c", 1, 0, {2, 1, 2, 2, 2}, u"b c\na"},
+    {u"ab  ", 1, 0, {2, 2, 1, 1}, u"  ab"},
+    // The white space step reads the text's own classes: a joiner (BN) between two Arabic letters
+    // takes the level before it, an embedding control keeps the base level.
+    {u"\u0627\u200D\u0628", 0, 0, {1, 1, 1}, u"\u0628\u200D\u0627"},
+    {u"\u0627\u202A\u0628", 0, 0, {1, 0, 1}, u"\u0627\u202A\u0628"},
+    // Mirroring happens at odd levels only and when asked for: the bracket inside the Latin run
+    // (level 2) stays, the one that ends the line turns, one without a partner stays.
+    {u"\u0627(\u0628)", 1, 0, {1, 1, 1, 1}, u")\u0628(\u0627"},
+    {u"\u0627(\u0628)", 1, 1, {1, 1, 1, 1}, u"(\u0628)\u0627"},
+    {u"a(b)", 1, 1, {2, 2, 2, 1}, u"(a(b"},
+    {u"\u0627\u2201<\u0628", 1, 1, {1, 1, 1, 1}, u"\u0628>\u2201\u0627"},
+};
 
-    // Hebrew presentation forms are R, and a Hebrew letter between them is L.
-    line = Display({kWideAlef, u' ', kHebAlef, u' ', kWideDalet}, 0);
-    EXPECT_EQ(line.levels, (Levels{1, 0, 0, 0, 1}));
-    line = Display({kWideAlef, u' ', kWideDalet, u'!'}, 0);
-    EXPECT_EQ(line.display, (std::u16string{kWideDalet, u' ', kWideAlef, u'!'}));
-    // Any direction other than exactly 1 is left to right.
-    EXPECT_EQ(Display({kWideAlef, u' ', kWideDalet, u'!'}, 2).display, line.display);
+TEST(BidiString, Lines) {
+    for (const LineCase& c : kLines) {
+        const auto at = &c - kLines;
+        const auto count = static_cast<DWORD>(c.text.size());
+        const Line line = Display(c.text, c.direction, c.mirror);
+        EXPECT_EQ(line.result, count);
+        EXPECT_EQ(line.levels, c.levels) << "case " << at;
+        EXPECT_EQ(line.display, c.display) << "case " << at;
+        // Classes alone or no arrays give the same display; classes come back as stored, not resolved.
+        for (bool withClasses : {true, false}) {
+            std::u16string bare = c.text;
+            Levels stored(count, 0x5555);
+            EXPECT_EQ(BidiString(bare.data(), count, withClasses ? stored.data() : nullptr, nullptr, c.mirror,
+                                 c.direction),
+                      count);
+            EXPECT_EQ(bare, c.display) << "case " << at;
+            for (DWORD i = 0; withClasses && i < count; ++i)
+                EXPECT_EQ(stored[i], ZelClassFromChWS(c.text[i])) << "case " << at;
+        }
+    }
 }
 
-TEST(BidiString, FullStopsBehindNumbers) {
-    // The full stop behind a number is part of it, in either direction.
-    Line line = Display(u"1.", 1);
-    EXPECT_EQ(line.levels, (Levels{2, 2}));
-    EXPECT_EQ(line.display, u"1.");
-    line = Display(u"a.", 1);
-    EXPECT_EQ(line.levels, (Levels{2, 1}));
-    EXPECT_EQ(line.display, u".a");
-
-    // A decimal number inside Arabic reads as one; so does a run of full stops behind it.
-    line = Display({kAlef, u' ', u'1', u'.', u'5', u'.', u'.'}, 1);
-    EXPECT_EQ(line.levels, (Levels{1, 1, 2, 2, 2, 2, 2}));
-    EXPECT_EQ(line.display, (std::u16string{u'1', u'.', u'5', u'.', u'.', u' ', kAlef}));
-    // A full stop that opens the line has nothing to follow.
-    line = Display({u'.', u'1', kAlef}, 1);
-    EXPECT_EQ(line.levels, (Levels{1, 2, 1}));
-}
-
-TEST(BidiString, WhitespaceAndSeparatorsInALine) {
-    // White space before a tab, and a line feed, go to the base level; the line feed starts no
-    // new paragraph, the text behind it resolves as before.
-    Line line = Display(u"a \tb", 1);
-    EXPECT_EQ(line.levels, (Levels{2, 1, 1, 2}));
-    EXPECT_EQ(line.display, u"b\t a");
-    line = Display(u"a\nb c", 1);
-    EXPECT_EQ(line.levels, (Levels{2, 1, 2, 2, 2}));
-    EXPECT_EQ(line.display, u"b c\na");
-
-    // Trailing white space behind Latin in a right-to-left line.
-    line = Display(u"ab  ", 1);
-    EXPECT_EQ(line.levels, (Levels{2, 2, 1, 1}));
-    EXPECT_EQ(line.display, u"  ab");
-
-    // The white space step reads the text's own classes: a joiner (BN) between two Arabic
-    // letters takes the level before it, an embedding control keeps the base level.
-    line = Display({kAlef, kZwj, kBeh}, 0);
-    EXPECT_EQ(line.levels, (Levels{1, 1, 1}));
-    EXPECT_EQ(line.display, (std::u16string{kBeh, kZwj, kAlef}));
-    line = Display({kAlef, kLre, kBeh}, 0);
-    EXPECT_EQ(line.levels, (Levels{1, 0, 1}));
-    EXPECT_EQ(line.display, (std::u16string{kAlef, kLre, kBeh}));
-}
-
-TEST(BidiString, MirroringAtOddLevels) {
-    const std::u16string text{kAlef, u'(', kBeh, u')'};
-    EXPECT_EQ(Display(text, 1, 0).display, (std::u16string{u')', kBeh, u'(', kAlef}));
-    EXPECT_EQ(Display(text, 1, 1).display, (std::u16string{u'(', kBeh, u')', kAlef}));
-
-    // Only odd levels mirror: the bracket inside the Latin run (level 2) stays, the one that
-    // ends the line (level 1) turns. A mirrored character without a partner stays too.
-    Line line = Display(u"a(b)", 1, 1);
-    EXPECT_EQ(line.levels, (Levels{2, 2, 2, 1}));
-    EXPECT_EQ(line.display, u"(a(b");
-    const std::u16string noPartner{kAlef, 0x2201, u'<', kBeh};
-    EXPECT_EQ(Display(noPartner, 1, 1).display, (std::u16string{kBeh, u'>', 0x2201, kAlef}));
-}
-
-TEST(BidiString, NullArraysAndEmptyText) {
-    std::u16string text{kAlef, u' ', u'a', u'b', u'(', u'1', u')'};
-    const Line withArrays = Display(text, 1, 1);
-    EXPECT_EQ(BidiString(text.data(), static_cast<DWORD>(text.size()), nullptr, nullptr, 1, 1), text.size());
-    EXPECT_EQ(text, withArrays.display);
-
-    // The classes array receives the stored classes, not the resolved ones.
-    std::u16string spaced{kAlef, u' ', u'\t', kRlo};
-    Levels classes(4);
-    BidiString(spaced.data(), 4, classes.data(), nullptr, 0, 1);
-    EXPECT_EQ(classes, (Levels{ZelBidiAL, ZelBidiWS, ZelBidiS, ZelBidiRLO}));
-
+TEST(BidiString, MissingArraysAndEmptyText) {
     WCHAR none = u'x';
     EXPECT_EQ(BidiString(&none, 0, nullptr, nullptr, 1, 1), 0u);
     EXPECT_EQ(none, u'x');
@@ -305,30 +196,27 @@ TEST(BidiString, MillionUnitLine) {
     std::u16string own = text;
     Levels levels(kCount);
     ASSERT_EQ(BidiString(own.data(), kCount, nullptr, levels.data(), 1, 1), kCount);
-    std::u16string scratch = text;
-    ASSERT_EQ(BidiString(scratch.data(), kCount, nullptr, nullptr, 1, 1), kCount);
-    EXPECT_EQ(own, scratch);
+    ASSERT_EQ(BidiString(text.data(), kCount, nullptr, nullptr, 1, 1), kCount);
+    EXPECT_EQ(own, text);
 
-    // A right-to-left line of repeated units displays as the units in reverse order, each one
-    // ordered as on its own; the tail of Arabic letters comes first.
+    // Right to left the units come in reverse order, each ordered as on its own; the Arabic tail first.
     const Line alone = Display(unit + unit, 1, 1);
     const size_t units = kCount / unit.size();
     const size_t tail = kCount - units * unit.size();
     EXPECT_EQ(own.substr(0, tail), std::u16string(tail, kBeh));
     const std::u16string second = alone.display.substr(0, unit.size());
-    for (size_t k = 0; k < units; k += 9973)
+    const Levels unitLevels(alone.levels.begin(), alone.levels.begin() + static_cast<long>(unit.size()));
+    for (size_t k = 0; k < units; k += 9973) {
         ASSERT_EQ(own.substr(tail + k * unit.size(), unit.size()), second) << k;
-    for (size_t k = 0; k < units; k += 9973)
-        ASSERT_EQ(Levels(levels.begin() + static_cast<long>(k * unit.size()),
-                         levels.begin() + static_cast<long>((k + 1) * unit.size())),
-                  Levels(alone.levels.begin(), alone.levels.begin() + static_cast<long>(unit.size())));
+        const auto from = levels.begin() + static_cast<long>(k * unit.size());
+        ASSERT_EQ(Levels(from, from + static_cast<long>(unit.size())), unitLevels) << k;
+    }
 }
 
 TEST(BidiReorder, NestedLevels) {
     // Levels as the resolution leaves them for base level 1: runs at 2 and 3 inside 1.
     std::u16string text = u"abcdefg";
-    const Levels levels{1, 2, 2, 3, 3, 2, 1};
-    zelbidi::BidiReorder(1, text.data(), levels.data(), 7);
+    zelbidi::BidiReorder(1, text.data(), Levels{1, 2, 2, 3, 3, 2, 1}.data(), 7);
     EXPECT_EQ(text, u"gbcedfa");
     // At base level 0 a run at 2 directly beside a run at 0 is reversed twice.
     text = u"abcde";

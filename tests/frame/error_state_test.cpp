@@ -50,18 +50,6 @@ TEST_F(ErrorState, WarningRingKeepsTheNewestThree) {
     EXPECT_EQ(ZelGetWarning(0), 0u);
 }
 
-TEST_F(ErrorState, WarningsLeaveTheCurrentErrorAlone) {
-    const char payload[] = "detail";
-    ZelSetErrorEx(77, 5, payload, sizeof payload);
-    ZelSetWarningEx(88, 3, "xyz", 4);
-    ZelSetWarningMesg(u"careful");
-    ZelErrorInfo info;
-    ZelStoreError(&info);
-    EXPECT_EQ(info.code, 77u);
-    EXPECT_EQ(info.kind, 5u);
-    EXPECT_STREQ(reinterpret_cast<const char*>(info.data), "detail");
-}
-
 TEST_F(ErrorState, SetErrorExCopiesDataOnlyWithPointerAndSize) {
     ZelSetErrorEx(5, 1, "abc", 4);
     ZelSetErrorEx(6, 2, nullptr, 10);
@@ -77,15 +65,13 @@ TEST_F(ErrorState, SetErrorExCopiesDataOnlyWithPointerAndSize) {
     EXPECT_EQ(info.code, 0u);
     EXPECT_EQ(info.kind, 0u);
     EXPECT_STREQ(reinterpret_cast<const char*>(info.data), "abc");  // detail stays behind kind 0
-}
 
-TEST_F(ErrorState, DataLongerThanTheBlockIsCut) {
+    // Data longer than the block is cut at its end.
     std::vector<BYTE> big(5000, 0x5A);
     ZelSetErrorEx(3, 1, big.data(), static_cast<DWORD>(big.size()));
-    ZelErrorInfo info;
+    ZelSetWarningEx(3, 1, big.data(), static_cast<DWORD>(big.size()));
     ZelStoreError(&info);
     EXPECT_EQ(info.data[ZEL_ERROR_DATA_SIZE - 1], 0x5A);
-    ZelSetWarningEx(3, 1, big.data(), static_cast<DWORD>(big.size()));
     EXPECT_EQ(ZelGetWarning(1), 3u);
 }
 
@@ -97,12 +83,16 @@ TEST_F(ErrorState, StoreAndRestoreBringBackTheWholeBlock) {
     ZelStoreError(&saved);
     ZelSetErrorMesg(u"something else");
     ZelSetError(99);
+    ZelSetWarningMesg(u"warnings leave the current error alone");
+    ZelErrorInfo now;
+    ZelStoreError(&now);
+    EXPECT_EQ(now.code, 99u);
     ZelSetWarning(22);
     ZelRestoreError(&saved);
-    ZelErrorInfo now;
     ZelStoreError(&now);
     EXPECT_EQ(memcmp(&now, &saved, sizeof now), 0);
     EXPECT_EQ(ZelGetWarning(1), 21u);  // warnings are not part of the block
+    EXPECT_EQ(ZelGetWarning(1), 1u);
     EXPECT_EQ(ZelGetWarning(1), 22u);
 }
 

@@ -12,6 +12,7 @@
 namespace {
 
 using zeltest::ScopedEnv;
+using namespace std::string_literals;
 
 // Whole conversions through the size query, checked against the real conversion's count.
 std::u16string ToWide(UINT codePage, const std::string& bytes, DWORD flags = 0) {
@@ -34,10 +35,10 @@ std::string ToBytes(UINT codePage, const std::u16string& text, DWORD flags = 0, 
 }
 
 // Expects a failed call with the given last error.
-#define EXPECT_FAILS(call, error)       \
-    do {                                \
-        SetLastError(0);                \
-        EXPECT_EQ((call), 0);           \
+#define EXPECT_FAILS(call, error)                \
+    do {                                         \
+        SetLastError(0);                         \
+        EXPECT_EQ((call), 0);                    \
         EXPECT_EQ(GetLastError(), DWORD{error}); \
     } while (0)
 
@@ -48,16 +49,14 @@ TEST(CodePages, CountingRules) {
     // -1: the terminator is converted and counted.
     EXPECT_EQ(MultiByteToWideChar(CP_UTF8, 0, "abc", -1, nullptr, 0), 4);
     EXPECT_EQ(MultiByteToWideChar(CP_UTF8, 0, "abc", -1, wide, 8), 4);
-    EXPECT_EQ(std::u16string(wide, 5), std::u16string(u"abc\0#", 5));
+    EXPECT_EQ(std::u16string(wide, 5), u"abc\0#"s);
     // An explicit length converts exactly those bytes, zeros included, and adds no terminator.
     std::fill(std::begin(wide), std::end(wide), u'#');
     EXPECT_EQ(MultiByteToWideChar(CP_UTF8, 0, "a\0b", 3, wide, 8), 3);
-    EXPECT_EQ(std::u16string(wide, 4), std::u16string(u"a\0b#", 4));
-
+    EXPECT_EQ(std::u16string(wide, 4), u"a\0b#"s);
     // A size query leaves the destination alone, even when one is given.
-    std::fill(std::begin(wide), std::end(wide), u'#');
     EXPECT_EQ(MultiByteToWideChar(CP_ACP, 0, "hello", 5, wide, 0), 5);
-    EXPECT_EQ(wide[0], u'#');
+    EXPECT_EQ(wide[0], u'a');
 
     EXPECT_FAILS(MultiByteToWideChar(CP_UTF8, 0, "hello", 5, wide, 4), ERROR_INSUFFICIENT_BUFFER);
     EXPECT_FAILS(MultiByteToWideChar(CP_UTF8, 0, "hello", -1, wide, 5), ERROR_INSUFFICIENT_BUFFER);
@@ -69,6 +68,9 @@ TEST(CodePages, CountingRules) {
     EXPECT_FAILS(MultiByteToWideChar(12345, 0, "hello", -1, wide, 8), ERROR_INVALID_PARAMETER);
     EXPECT_FAILS(MultiByteToWideChar(CP_UTF8, MB_PRECOMPOSED, "a", -1, wide, 8), ERROR_INVALID_FLAGS);
     EXPECT_FAILS(MultiByteToWideChar(1252, 0x10000, "a", -1, wide, 8), ERROR_INVALID_FLAGS);
+    char shared[16] = "overlap";  // source and destination in one buffer
+    EXPECT_FAILS(MultiByteToWideChar(CP_UTF8, 0, shared, -1, reinterpret_cast<LPWSTR>(shared + 2), 4),
+                 ERROR_INVALID_PARAMETER);
 
     char bytes[8];
     std::fill(std::begin(bytes), std::end(bytes), '#');
@@ -78,37 +80,50 @@ TEST(CodePages, CountingRules) {
     EXPECT_FAILS(WideCharToMultiByte(CP_UTF8, 0, u"\xD55C", -1, bytes, 3, nullptr, nullptr),
                  ERROR_INSUFFICIENT_BUFFER);
     EXPECT_EQ(WideCharToMultiByte(CP_UTF8, 0, u"\xD55C", -1, bytes, 4, nullptr, nullptr), 4);
-    EXPECT_EQ(std::string(bytes, 5), std::string("\xED\x95\x9C\0#", 5));
+    EXPECT_EQ(std::string(bytes, 5), "\xED\x95\x9C\0#"s);
     EXPECT_FAILS(WideCharToMultiByte(CP_UTF8, 0, u"a", 0, bytes, 8, nullptr, nullptr), ERROR_INVALID_PARAMETER);
     EXPECT_FAILS(WideCharToMultiByte(CP_UTF8, 0, nullptr, -1, bytes, 8, nullptr, nullptr), ERROR_INVALID_PARAMETER);
     EXPECT_FAILS(WideCharToMultiByte(CP_UTF8, 0, u"a", -1, bytes, -3, nullptr, nullptr), ERROR_INVALID_PARAMETER);
-
-    // Source and destination in one buffer.
-    char shared[16] = "overlap";
-    EXPECT_FAILS(MultiByteToWideChar(CP_UTF8, 0, shared, -1, reinterpret_cast<LPWSTR>(shared + 2), 4),
-                 ERROR_INVALID_PARAMETER);
 }
 
 TEST(CodePages, InvalidBytesBecomeReplacementsOrFailWhenStrict) {
-    // Each byte of an invalid or cut-off sequence gives one U+FFFD and the text goes on.
-    EXPECT_EQ(ToWide(CP_UTF8, "a\x80z"), u"a\xFFFDz");
-    EXPECT_EQ(ToWide(CP_UTF8, "\xC0\x80"), u"\xFFFD\xFFFD");           // overlong
-    EXPECT_EQ(ToWide(CP_UTF8, "\xED\xA0\x80!"), u"\xFFFD\xFFFD\xFFFD!");  // an encoded surrogate
-    EXPECT_EQ(ToWide(CP_UTF8, "\xF4\x90\x80\x80"), u"\xFFFD\xFFFD\xFFFD\xFFFD");  // above U+10FFFF
-    EXPECT_EQ(ToWide(CP_UTF8, "x\xE2\x82"), u"x\xFFFD\xFFFD");          // cut off at the end
-    EXPECT_EQ(ToWide(CP_UTF8, "\xE2\x82\xAC"), u"\x20AC");
-    // A lead byte with a bad trail: the trail byte is read again on its own.
-    EXPECT_EQ(ToWide(949, "\xB0 \xB0\xA1"), u"\xFFFD \xAC00");
-    EXPECT_EQ(ToWide(949, "ab\xB0"), u"ab\xFFFD");
-    EXPECT_EQ(ToWide(20127, "A\xC1"), u"A\xFFFD");
+    // Each byte of an invalid or cut-off sequence gives one U+FFFD and the text goes on; after a lead
+    // byte with a bad trail, the trail byte is read again on its own.
+    struct {
+        UINT codePage;
+        std::string bytes;
+        std::u16string wide;
+    } cases[] = {
+        {CP_UTF8, "a\x80z", u"a\xFFFDz"},
+        {CP_UTF8, "\xC0\x80", u"\xFFFD\xFFFD"},                           // overlong
+        {CP_UTF8, "\xED\xA0\x80!", u"\xFFFD\xFFFD\xFFFD!"},               // an encoded surrogate
+        {CP_UTF8, "\xF4\x90\x80\x80", u"\xFFFD\xFFFD\xFFFD\xFFFD"},       // above U+10FFFF
+        {CP_UTF8, "x\xE2\x82", u"x\xFFFD\xFFFD"},                         // cut off at the end
+        {949, "\xB0 \xB0\xA1", u"\xFFFD \xAC00"}, {949, "ab\xB0", u"ab\xFFFD"},
+        {20127, "A\xC1", u"A\xFFFD"},             {1201, "\0a\xD8"s, u"a\xFFFD"},
+        // In the combination code page, too, the bytes below 0x80 are ASCII: a path keeps its separators.
+        {1361, "a\\b\xD0\x65\\", u"a\\b\xD55C\\"}, {1361, "\xD0\x65\\", u"\xD55C\\"},
+    };
+    for (const auto& c : cases) EXPECT_EQ(ToWide(c.codePage, c.bytes), c.wide) << c.bytes;
+    EXPECT_EQ(ToBytes(1361, u"a\\b\xD55C\\"), "a\\b\xD0\x65\\");  // and back, after a syllable too
 
-    WCHAR wide[16];
-    EXPECT_FAILS(MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, "a\x80z", 3, wide, 16),
+    EXPECT_FAILS(MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, "a\x80z", 3, nullptr, 0),
                  ERROR_NO_UNICODE_TRANSLATION);
     EXPECT_FAILS(MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, "a\xE2\x82", 3, nullptr, 0),
                  ERROR_NO_UNICODE_TRANSLATION);
+    WCHAR wide[16];
     EXPECT_FAILS(MultiByteToWideChar(949, MB_ERR_INVALID_CHARS, "\xB0", 1, wide, 16), ERROR_NO_UNICODE_TRANSLATION);
     EXPECT_EQ(ToWide(949, "\xB0\xA1", MB_ERR_INVALID_CHARS), u"\xAC00");
+
+    // Lone surrogates become U+FFFD in UTF-8 and a default character elsewhere, or fail when strict.
+    EXPECT_EQ(ToBytes(CP_UTF8, u"a\xD800" u"b\xDC00"), "a\xEF\xBF\xBD" "b\xEF\xBF\xBD");
+    EXPECT_EQ(ToBytes(CP_UTF8, u"\xDE00\xD83D"), "\xEF\xBF\xBD\xEF\xBF\xBD");
+    EXPECT_EQ(ToBytes(1252, u"\xDC00" u"a\xD800" u"b\xD800"), "?a?b?");
+    EXPECT_EQ(ToBytes(CP_UTF8, u"\xD83D\xDE00", WC_ERR_INVALID_CHARS), "\xF0\x9F\x98\x80");
+    char bytes[8];
+    for (UINT codePage : {UINT{CP_UTF8}, UINT{1252}})
+        EXPECT_FAILS(WideCharToMultiByte(codePage, WC_ERR_INVALID_CHARS, u"a\xD800", 2, bytes, 8, nullptr, nullptr),
+                     ERROR_NO_UNICODE_TRANSLATION);
 }
 
 TEST(CodePages, DefaultCharacterIsReportedOnlyWhenUsed) {
@@ -120,15 +135,8 @@ TEST(CodePages, DefaultCharacterIsReportedOnlyWhenUsed) {
     used = -1;
     EXPECT_EQ(ToBytes(1252, u"\xD55C\xAE00", 0, "*", &used), "**");
     EXPECT_EQ(used, TRUE);
-    // A two-byte default in a double-byte code page.
-    EXPECT_EQ(ToBytes(949, u"x\x0E01", 0, "\xA1\xA1"), "x\xA1\xA1");
-    // An unmappable pair is one character: one default.
-    EXPECT_EQ(ToBytes(949, u"\xD83D\xDE00!", 0, nullptr, &used), "?!");
-    // So is a lone surrogate, anywhere; when strict it fails instead.
-    EXPECT_EQ(ToBytes(1252, u"\xDC00" u"a\xD800" u"b\xD800"), "?a?b?");
-    char narrow[8];
-    EXPECT_FAILS(WideCharToMultiByte(1252, WC_ERR_INVALID_CHARS, u"a\xD800", 2, narrow, 8, nullptr, nullptr),
-                 ERROR_NO_UNICODE_TRANSLATION);
+    EXPECT_EQ(ToBytes(949, u"x\x0E01", 0, "\xA1\xA1"), "x\xA1\xA1");  // a two-byte default
+    EXPECT_EQ(ToBytes(949, u"\xD83D\xDE00!", 0, nullptr, &used), "?!");  // an unmappable pair: one default
 
     // The Unicode forms have no default character to report.
     char bytes[8];
@@ -137,81 +145,59 @@ TEST(CodePages, DefaultCharacterIsReportedOnlyWhenUsed) {
     EXPECT_FAILS(WideCharToMultiByte(CP_UTF7, 0, u"a", -1, bytes, 8, "?", nullptr), ERROR_INVALID_PARAMETER);
 }
 
-TEST(CodePages, KoreanRoundTrips) {
-    const std::u16string korean = u"\xD55C\xAD6D\xC5B4 text \xB620 \\";  // 한국어 text 똠 (an extended syllable) \ .
-    const std::string cp949 = "\xC7\xD1\xB1\xB9\xBE\xEE text \x8C\x63 \\";
-    EXPECT_EQ(ToBytes(949, korean), cp949);
-    EXPECT_EQ(ToWide(949, cp949), korean);
-    EXPECT_EQ(ToWide(51949, "\xC7\xD1"), u"\xD55C");
-    EXPECT_EQ(ToBytes(1361, u"\xD55C\xAD6D\xC5B4"), "\xD0\x65\x8A\x82\xB4\xE1");
-    // In the combination code page, too, the bytes below 0x80 are ASCII: a path keeps its separators.
-    EXPECT_EQ(ToWide(1361, "a\\b\xD0\x65\\"), u"a\\b\xD55C\\");
-    EXPECT_EQ(ToWide(1361, "\xD0\x65\\"), u"\xD55C\\");
-}
-
-TEST(CodePages, JapaneseAndChineseRoundTrips) {
-    // ソ and 表 end in the byte 0x5C, which is no backslash there.
-    const std::u16string japanese = u"\x65E5\x672C\x8A9E \x30BD\x8868 \xFF71 a\\b";
-    const std::string cp932 = "\x93\xFA\x96\x7B\x8C\xEA \x83\x5C\x95\x5C \xB1 a\\b";
-    EXPECT_EQ(ToBytes(932, japanese), cp932);
-    EXPECT_EQ(ToWide(932, cp932), japanese);
-    EXPECT_EQ(ToWide(932, "\x83\x5C"), u"\x30BD");
-    EXPECT_EQ(ToWide(20932, "\xC6\xFC"), u"\x65E5");
-
-    EXPECT_EQ(ToBytes(936, u"\x4E2D\x6587"), "\xD6\xD0\xCE\xC4");
-    EXPECT_EQ(ToBytes(950, u"\x7E41\x9AD4"), "\xC1\x63\xC5\xE9");
-    EXPECT_EQ(ToWide(950, "\xC1\x63\xC5\xE9"), u"\x7E41\x9AD4");
-    // GB18030 has every character: a pair becomes one four-byte sequence.
-    EXPECT_EQ(ToBytes(54936, u"\xD83D\xDE00"), "\x94\x39\xFC\x36");
-    EXPECT_EQ(ToWide(54936, "\x94\x39\xFC\x36"), u"\xD83D\xDE00");
-}
-
-TEST(CodePages, LongTextCrossesInternalChunks) {
-    std::u16string text;
-    for (int i = 0; i < 3000; ++i) text += (i % 7 == 0) ? u'.' : static_cast<WCHAR>(0xAC00 + i % 11172);
-    text += u"\xD83D\xDE00";
-    std::string utf8 = ToBytes(CP_UTF8, text);
-    EXPECT_EQ(ToWide(CP_UTF8, utf8), text);
-
-    text.resize(3000);
-    std::string cp949 = ToBytes(949, text);
-    EXPECT_EQ(cp949.size(), 3000u * 2 - 3000u / 7 - 1);
-    EXPECT_EQ(ToWide(949, cp949), text);
-}
-
-TEST(CodePages, TheUnicodeForms) {
-    EXPECT_EQ(ToBytes(CP_UTF8, u"\xD83D\xDE00"), "\xF0\x9F\x98\x80");
-    EXPECT_EQ(ToWide(CP_UTF8, "\xF0\x9F\x98\x80"), u"\xD83D\xDE00");
-    // Lone surrogates become U+FFFD, or fail when strict.
-    EXPECT_EQ(ToBytes(CP_UTF8, u"a\xD800" u"b\xDC00"), "a\xEF\xBF\xBD" "b\xEF\xBF\xBD");
-    EXPECT_EQ(ToBytes(CP_UTF8, u"\xDE00\xD83D"), "\xEF\xBF\xBD\xEF\xBF\xBD");
-    char bytes[16];
-    EXPECT_FAILS(WideCharToMultiByte(CP_UTF8, WC_ERR_INVALID_CHARS, u"a\xD800", 2, bytes, 16, nullptr, nullptr),
-                 ERROR_NO_UNICODE_TRANSLATION);
-    EXPECT_EQ(ToBytes(CP_UTF8, u"\xD83D\xDE00", WC_ERR_INVALID_CHARS), "\xF0\x9F\x98\x80");
-
-    EXPECT_EQ(ToBytes(1200, u"a\xD83D\xDE00"), std::string("a\0\x3D\xD8\x00\xDE", 6));
-    EXPECT_EQ(ToBytes(1201, u"a"), std::string("\0a", 2));
-    EXPECT_EQ(ToBytes(12000, u"\xD83D\xDE00"), std::string("\x00\xF6\x01\x00", 4));
-    EXPECT_EQ(ToWide(12001, std::string("\x00\x01\xF6\x00", 4)), u"\xD83D\xDE00");
-    EXPECT_EQ(ToWide(1201, std::string("\0a\xD8", 3)), u"a\xFFFD");
+TEST(CodePages, TextRoundTrips) {
+    struct {
+        UINT codePage;
+        std::u16string wide;
+        std::string bytes;
+    } cases[] = {
+        // 한국어 text 똠 (an extended syllable) \ .
+        {949, u"\xD55C\xAD6D\xC5B4 text \xB620 \\", "\xC7\xD1\xB1\xB9\xBE\xEE text \x8C\x63 \\"},
+        {51949, u"\xD55C", "\xC7\xD1"},
+        {1361, u"\xD55C\xAD6D\xC5B4", "\xD0\x65\x8A\x82\xB4\xE1"},
+        // 日本語 ソ表 ｱ a\b: ソ and 表 end in the byte 0x5C, which is no backslash there.
+        {932, u"\x65E5\x672C\x8A9E \x30BD\x8868 \xFF71 a\\b", "\x93\xFA\x96\x7B\x8C\xEA \x83\x5C\x95\x5C \xB1 a\\b"},
+        {20932, u"\x65E5", "\xC6\xFC"},
+        {936, u"\x4E2D\x6587", "\xD6\xD0\xCE\xC4"},
+        {950, u"\x7E41\x9AD4", "\xC1\x63\xC5\xE9"},
+        {54936, u"\xD83D\xDE00", "\x94\x39\xFC\x36"},  // GB18030 has every character: a pair is four bytes
+        {CP_UTF8, u"\x20AC\xD83D\xDE00", "\xE2\x82\xAC\xF0\x9F\x98\x80"},
+        {1200, u"a\xD83D\xDE00", "a\0\x3D\xD8\x00\xDE"s},
+        {1201, u"a", "\0a"s},
+        {12000, u"\xD83D\xDE00", "\x00\xF6\x01\x00"s},
+        {12001, u"\xD83D\xDE00", "\x00\x01\xF6\x00"s},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(ToBytes(c.codePage, c.wide), c.bytes) << c.codePage;
+        EXPECT_EQ(ToWide(c.codePage, c.bytes), c.wide) << c.codePage;
+    }
     // A zero unit of the code page's own size ends UTF-16 text given with -1.
     EXPECT_EQ(MultiByteToWideChar(1200, 0, "a\0b\0\0\0", -1, nullptr, 0), 3);
 
     std::u16string mixed = u"Hi \xD55C\xAE00 + 1";
     EXPECT_EQ(ToWide(CP_UTF7, ToBytes(CP_UTF7, mixed)), mixed);
     // In UTF-7 too a terminator stays one zero.
+    char bytes[16];
     EXPECT_EQ(WideCharToMultiByte(CP_UTF7, 0, u"\xD55C", -1, bytes, 16, nullptr, nullptr), 6);
-    EXPECT_EQ(std::string(bytes, 6), std::string("+1Vw-\0", 6));
+    EXPECT_EQ(std::string(bytes, 6), "+1Vw-\0"s);
     WCHAR wide[4];
     EXPECT_EQ(MultiByteToWideChar(CP_UTF7, 0, "+1Vw", -1, wide, 4), 2);
-    EXPECT_EQ(std::u16string(wide, 2), std::u16string(u"\xD55C\0", 2));
+    EXPECT_EQ(std::u16string(wide, 2), u"\xD55C\0"s);
+}
+
+TEST(CodePages, LongTextCrossesInternalChunks) {
+    std::u16string text;
+    for (int i = 0; i < 3000; ++i) text += (i % 7 == 0) ? u'.' : static_cast<WCHAR>(0xAC00 + i % 11172);
+    EXPECT_EQ(ToWide(CP_UTF8, ToBytes(CP_UTF8, text + u"\xD83D\xDE00")), text + u"\xD83D\xDE00");
+    std::string cp949 = ToBytes(949, text);
+    EXPECT_EQ(cp949.size(), 3000u * 2 - 3000u / 7 - 1);
+    EXPECT_EQ(ToWide(949, cp949), text);
 }
 
 TEST(CodePages, AnsiCodePageFollowsTheSystemLanguage) {
     ScopedEnv acp("ZEL_ACP", std::nullopt);
     ScopedEnv oemcp("ZEL_OEMCP", std::nullopt);
-    struct Case {
+    struct {
         const char* lcid;
         UINT ansi, oem;
     } cases[] = {
@@ -219,7 +205,7 @@ TEST(CodePages, AnsiCodePageFollowsTheSystemLanguage) {
         {"0x404", 950, 950}, {"0xC04", 950, 950},  {"0x1404", 950, 950},  {"0x409", 1252, 437},
         {"0x407", 1252, 437},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         ScopedEnv system("ZEL_SYSTEM_LCID", std::string(c.lcid));
         EXPECT_EQ(GetACP(), c.ansi) << c.lcid;
         EXPECT_EQ(GetOEMCP(), c.oem) << c.lcid;
@@ -239,12 +225,10 @@ TEST(CodePages, AnsiCodePageFollowsTheSystemLanguage) {
         EXPECT_EQ(arg.text, u"\xD55C\xAD6D");
         EXPECT_EQ(ZelPlatformWideToAnsi(u"\xD55C\xAD6D"), "\xC7\xD1\xB1\xB9");
     }
-    {
-        // Not a number, or no code page that converts: the language decides.
-        ScopedEnv bad("ZEL_ACP", std::string("949x"));
-        EXPECT_EQ(GetACP(), 1252u);
-        ScopedEnv unknown("ZEL_ACP", std::string("4242"));
-        EXPECT_EQ(GetACP(), 1252u);
+    // Not a number, or no code page that converts: the language decides.
+    for (const char* bad : {"949x", "4242"}) {
+        ScopedEnv override("ZEL_ACP", std::string(bad));
+        EXPECT_EQ(GetACP(), 1252u) << bad;
     }
     EXPECT_EQ(ZelPlatformAnsiToWide("caf\xE9").text, u"caf\xE9");
     EXPECT_TRUE(ZelPlatformAnsiToWide(nullptr).null);
@@ -255,23 +239,17 @@ TEST(CodePages, AnsiCodePageFollowsTheSystemLanguage) {
 }
 
 TEST(CodePages, ThreadsConvertIndependently) {
-    const std::u16string korean = u"\xD55C\xAD6D\xC5B4";
-    const std::u16string japanese = u"\x65E5\x672C\x8A9E";
-    std::vector<std::thread> threads;
+    const std::u16string texts[] = {u"\x65E5\x672C\x8A9E", u"\xD55C\xAD6D\xC5B4"};
     std::vector<int> failures(4, 0);
-    for (int t = 0; t < 4; ++t) {
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 4; ++t)
         threads.emplace_back([&, t] {
             UINT page = t % 2 ? 949 : 932;
-            const std::u16string& text = t % 2 ? korean : japanese;
             for (int i = 0; i < 500; ++i) {
-                char bytes[16];
-                WCHAR back[16];
-                int n = WideCharToMultiByte(page, 0, text.data(), 3, bytes, 16, nullptr, nullptr);
-                int m = MultiByteToWideChar(page, 0, bytes, n, back, 16);
-                if (n != 6 || std::u16string(back, static_cast<size_t>(m)) != text) ++failures[t];
+                std::string bytes = ToBytes(page, texts[t % 2]);
+                failures[t] += bytes.size() != 6 || ToWide(page, bytes) != texts[t % 2];
             }
         });
-    }
     for (std::thread& t : threads) t.join();
     EXPECT_EQ(failures, std::vector<int>(4, 0));
 }

@@ -24,7 +24,7 @@ struct LocaleEnv {
 };
 
 TEST(Locale, NamesMapToWindowsIds) {
-    struct Case {
+    struct {
         const char* name;
         LCID lcid;
     } cases[] = {
@@ -40,7 +40,7 @@ TEST(Locale, NamesMapToWindowsIds) {
         {"C", 0x409},           {"POSIX", 0x409},       {"C.UTF-8", 0x409},   {"xx_YY", 0x409},
         {"", 0x409},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         LocaleEnv env(std::string(c.name), std::nullopt, std::nullopt);
         EXPECT_EQ(GetUserDefaultLCID(), c.lcid) << c.name;
         EXPECT_EQ(GetSystemDefaultLCID(), c.lcid) << c.name;
@@ -48,40 +48,30 @@ TEST(Locale, NamesMapToWindowsIds) {
     }
 }
 
-TEST(Locale, VariablesTakePrecedenceInOrder) {
-    {
-        LocaleEnv env(std::nullopt, std::nullopt, std::nullopt);
-        EXPECT_EQ(GetUserDefaultLCID(), 0x409u);
-        EXPECT_EQ(GetSystemDefaultLCID(), 0x409u);
-    }
-    {
-        LocaleEnv env(std::string("ja_JP"), std::string("ko_KR"), std::string("de_DE"));
-        EXPECT_EQ(GetUserDefaultLCID(), 0x411u);
-        EXPECT_EQ(GetSystemDefaultLCID(), 0x411u);
-    }
-    {
+TEST(Locale, VariablesTakePrecedenceInOrderAndOverridesWin) {
+    const Value none;
+    struct {
+        Value all, messages, lang, user, system;
+        LCID userId, systemId;
+    } cases[] = {
+        {none, none, none, none, none, 0x409, 0x409},
+        {"ja_JP", "ko_KR", "de_DE", none, none, 0x411, 0x411},
         // The messages category speaks for the user only; an empty variable counts as unset.
-        LocaleEnv env(std::string(""), std::string("ko_KR.UTF-8"), std::string("de_DE.UTF-8"));
-        EXPECT_EQ(GetUserDefaultLCID(), 0x412u);
-        EXPECT_EQ(GetSystemDefaultLCID(), 0x407u);
-        EXPECT_EQ(GetSystemDefaultLangID(), 0x407u);
+        {"", "ko_KR.UTF-8", "de_DE.UTF-8", none, none, 0x412, 0x407},
+        // Each override speaks for its own side.
+        {"de_DE", none, none, "0x411", "1042", 0x411, 0x412},
+        {"de_DE", none, none, "0X804", none, 0x804, 0x407},
+    };
+    int row = 0;
+    for (const auto& c : cases) {
+        LocaleEnv env(c.all, c.messages, c.lang, c.user, c.system);
+        EXPECT_EQ(GetUserDefaultLCID(), c.userId) << "row " << row;
+        EXPECT_EQ(GetSystemDefaultLCID(), c.systemId) << "row " << row;
+        EXPECT_EQ(GetSystemDefaultLangID(), LANGIDFROMLCID(c.systemId)) << "row " << row++;
     }
-}
-
-TEST(Locale, OverridesInHexOrDecimal) {
-    {
-        LocaleEnv env(std::string("de_DE"), std::nullopt, std::nullopt, std::string("0x411"), std::string("1042"));
-        EXPECT_EQ(GetUserDefaultLCID(), 0x411u);
-        EXPECT_EQ(GetSystemDefaultLCID(), 0x412u);
-        EXPECT_EQ(GetSystemDefaultLangID(), 0x412u);
-    }
-    {
-        LocaleEnv env(std::string("de_DE"), std::nullopt, std::nullopt, std::string("0X804"), std::nullopt);
-        EXPECT_EQ(GetUserDefaultLCID(), 0x804u);
-        EXPECT_EQ(GetSystemDefaultLCID(), 0x407u);  // each override speaks for its own side
-    }
+    // Overrides that are no valid id count as unset.
     for (const char* bad : {"0x", "12ab", "-1", "0", " 1041"}) {
-        LocaleEnv env(std::string("fr_FR"), std::nullopt, std::nullopt, std::string(bad), std::string(bad));
+        LocaleEnv env(std::string("fr_FR"), none, none, std::string(bad), std::string(bad));
         EXPECT_EQ(GetUserDefaultLCID(), 0x40Cu) << bad;
         EXPECT_EQ(GetSystemDefaultLCID(), 0x40Cu) << bad;
     }

@@ -12,6 +12,8 @@
 #include "platform/win32.h"
 #include "support/support.h"
 
+using Names = std::vector<std::u16string>;
+
 class RegistryTest : public ::testing::Test {
 protected:
     zeltest::TempDir dir_;
@@ -19,18 +21,19 @@ protected:
     zeltest::ScopedEnv runtimeDir_{"XDG_RUNTIME_DIR", dir_.file("run")};
     zeltest::ScopedEnv ansiCodePage_{"ZEL_ACP", "1252"};
 
-    std::string HiveFile(const char* name = "current_user.hive") const { return dir_.file("registry/") + name; }
+    std::string HiveFile() const { return dir_.file("registry/current_user.hive"); }
 
-    // A key below HKEY_CURRENT_USER, made (or opened) with every right; null on failure.
-    static HKEY Create(const char16_t* path, DWORD options = REG_OPTION_NON_VOLATILE, HKEY parent = HKEY_CURRENT_USER) {
+    // A key made (or opened) with every right; null on failure.
+    static HKEY Create(const char16_t* path, DWORD options = REG_OPTION_NON_VOLATILE, HKEY parent = HKEY_CURRENT_USER,
+                       LPWSTR keyClass = nullptr) {
         HKEY key = nullptr;
-        LONG status = RegCreateKeyExW(parent, path, 0, nullptr, options, KEY_ALL_ACCESS, nullptr, &key, nullptr);
-        EXPECT_EQ(status, ERROR_SUCCESS) << "creating a key";
+        EXPECT_EQ(RegCreateKeyExW(parent, path, 0, keyClass, options, KEY_ALL_ACCESS, nullptr, &key, nullptr),
+                  ERROR_SUCCESS);
         return key;
     }
 
-    static LONG SetText(HKEY key, const char16_t* name, const std::u16string& text, DWORD type = REG_SZ) {
-        return RegSetValueExW(key, name, 0, type, reinterpret_cast<const BYTE*>(text.c_str()),
+    static LONG SetText(HKEY key, const char16_t* name, const std::u16string& text) {
+        return RegSetValueExW(key, name, 0, REG_SZ, reinterpret_cast<const BYTE*>(text.c_str()),
                               static_cast<DWORD>((text.size() + 1) * sizeof(WCHAR)));
     }
 
@@ -47,26 +50,35 @@ protected:
         return std::u16string(buffer, size / sizeof(WCHAR)).c_str();
     }
 
-    static std::vector<std::u16string> SubKeys(HKEY key) {
-        std::vector<std::u16string> names;
+    // The same for a value of the key at path below HKEY_CURRENT_USER, opened for the read alone.
+    static std::u16string ReadText(const char16_t* path, const char16_t* name) {
+        HKEY key = nullptr;
+        LONG status = RegOpenKeyExW(HKEY_CURRENT_USER, path, 0, KEY_READ, &key);
+        if (status != ERROR_SUCCESS) return u"<status " + Number(status) + u">";
+        std::u16string text = GetText(key, name);
+        RegCloseKey(key);
+        return text;
+    }
+
+    static Names SubKeys(HKEY key) {
+        Names names;
         WCHAR name[256];
         for (DWORD i = 0; RegEnumKeyW(key, i, name, 256) == ERROR_SUCCESS; ++i) names.push_back(name);
         return names;
     }
 
-    static std::vector<std::u16string> ValueNames(HKEY key) {
-        std::vector<std::u16string> names;
+    static Names ValueNames(HKEY key) {
+        Names names;
         WCHAR name[256];
-        DWORD size = 256;
-        for (DWORD i = 0; RegEnumValueW(key, i, name, &size, nullptr, nullptr, nullptr, nullptr) == ERROR_SUCCESS;
-             ++i, size = 256)
+        for (DWORD i = 0, size = 256;
+             RegEnumValueW(key, i, name, &size, nullptr, nullptr, nullptr, nullptr) == ERROR_SUCCESS; ++i, size = 256)
             names.push_back(name);
         return names;
     }
 
     static std::u16string Number(long n) {
         std::string digits = std::to_string(n);
-        return std::u16string(digits.begin(), digits.end());
+        return {digits.begin(), digits.end()};
     }
 };
 

@@ -8,6 +8,7 @@
 #include "platform/posix/registry_format.h"
 
 using namespace zelreg;
+using Lines = std::set<std::u16string>;
 
 namespace {
 
@@ -31,52 +32,44 @@ std::unique_ptr<RegKey> SampleHive() {
     return root;
 }
 
-// One line per key (path, id, class, time, flag) and per value, in file order.
-void Dump(const RegKey& key, const std::u16string& path, std::set<std::u16string>& lines, bool withIds) {
-    std::u16string line = u"K " + path;
-    if (withIds) {
-        std::string meta = " " + std::to_string(key.id) + " " + std::to_string(key.lastWrite) +
-                           (key.isVolatile ? " v" : "");
-        line += std::u16string(meta.begin(), meta.end()) + u" " + key.keyClass;
-    }
-    lines.insert(line);
-    for (const RegValue& value : key.values) {
-        std::string meta = " " + std::to_string(value.type) + " " + std::string(value.data.begin(), value.data.end());
-        lines.insert(u"V " + path + u":" + value.name + std::u16string(meta.begin(), meta.end()));
-    }
+std::u16string Wide(const std::string& s) { return {s.begin(), s.end()}; }
+
+// One line per key (path, and with ids its id, time, flag and class) and per value.
+void Dump(const RegKey& key, const std::u16string& path, Lines& lines, bool withIds) {
+    lines.insert(u"K " + path + (withIds ? Wide(" " + std::to_string(key.id) + " " + std::to_string(key.lastWrite) +
+                                                (key.isVolatile ? " v " : " ")) +
+                                               key.keyClass
+                                         : u""));
+    for (const RegValue& value : key.values)
+        lines.insert(u"V " + path + u":" + value.name +
+                     Wide(" " + std::to_string(value.type) + " " + std::string(value.data.begin(), value.data.end())));
     for (const auto& [folded, sub] : key.subKeys) Dump(*sub, path + u"\\" + sub->name, lines, withIds);
 }
 
-std::set<std::u16string> Load(const std::vector<uint8_t>& bytes, HiveLoader::Volatility volatility, bool withIds,
-                              LoadStats* stats = nullptr) {
+Lines Load(const std::vector<uint8_t>& bytes, HiveLoader::Volatility volatility, bool withIds,
+           LoadStats* stats = nullptr) {
     RegKey root;
     LoadStats result = HiveLoader(root).Load(bytes.data(), bytes.size(), volatility);
     if (stats) *stats = result;
-    std::set<std::u16string> lines;
+    Lines lines;
     Dump(root, u"", lines, withIds);
     return lines;
-}
-
-size_t Missing(const std::set<std::u16string>& expected, const std::set<std::u16string>& got, char16_t kind) {
-    size_t missing = 0;
-    for (const auto& line : expected) missing += line[0] == kind && !got.count(line);
-    return missing;
 }
 
 }  // namespace
 
 TEST(RegistryFormat, EachKindOfFileReadsBackWhatWasWritten) {
     auto hive = SampleHive();
-    std::set<std::u16string> all;
+    Lines all, lasting;
     Dump(*hive, u"", all, true);
 
+    // The persistent file holds everything but the volatile keys.
     LoadStats stats;
-    auto persistent = Load(WriteHiveFile(*hive, FileKind::Persistent, 42), HiveLoader::Volatility::Off, true, &stats);
+    auto p = WriteHiveFile(*hive, FileKind::Persistent, 42);
+    auto persistent = Load(p, HiveLoader::Volatility::Off, true, &stats);
     EXPECT_TRUE(stats.headerValid);
     EXPECT_EQ(stats.stamp, 42u);
     EXPECT_EQ(stats.skipped, 0u);
-    // The persistent file holds everything but the volatile keys.
-    std::set<std::u16string> lasting;
     for (const auto& line : all)
         if (line.find(u"Delta") == std::u16string::npos) lasting.insert(line);
     EXPECT_EQ(persistent, lasting);
@@ -84,26 +77,23 @@ TEST(RegistryFormat, EachKindOfFileReadsBackWhatWasWritten) {
     // A persistent and a volatile file loaded together give the hive again.
     RegKey root;
     HiveLoader loader(root);
-    auto p = WriteHiveFile(*hive, FileKind::Persistent, 1);
     auto v = WriteHiveFile(*hive, FileKind::Volatile, 2);
     loader.Load(p.data(), p.size(), HiveLoader::Volatility::Off);
     EXPECT_EQ(loader.Load(v.data(), v.size(), HiveLoader::Volatility::On).keys, 2u);
-    std::set<std::u16string> merged;
+    Lines merged;
     Dump(root, u"", merged, true);
     EXPECT_EQ(merged, all);
-
     // A volatile file cannot take over a lasting key.
     EXPECT_EQ(loader.Load(p.data(), p.size(), HiveLoader::Volatility::On).keys, 0u);
 
-    RegKey* alpha = hive->FindSubKey(u"ALPHA");
-    auto saved = Load(WriteHiveFile(*alpha, FileKind::Saved, 3), HiveLoader::Volatility::FromFile, false);
+    auto saved = Load(WriteHiveFile(*hive->FindSubKey(u"ALPHA"), FileKind::Saved, 3), HiveLoader::Volatility::FromFile,
+                      false);
     EXPECT_TRUE(saved.count(u"K \\Beta\\Gamma"));
     EXPECT_EQ(saved.size(), 6u);
 }
 
 TEST(RegistryFormat, ADamagedByteCostsAtMostTheRecordItHits) {
-    auto hive = SampleHive();
-    auto bytes = WriteHiveFile(*hive, FileKind::Persistent, 7);
+    auto bytes = WriteHiveFile(*SampleHive(), FileKind::Persistent, 7);
     auto intact = Load(bytes, HiveLoader::Volatility::Off, false);
     for (size_t i = 0; i < bytes.size(); ++i) {
         for (uint8_t flip : {0x01, 0x80, 0xFF}) {
@@ -112,9 +102,10 @@ TEST(RegistryFormat, ADamagedByteCostsAtMostTheRecordItHits) {
             LoadStats stats;
             auto got = Load(damaged, HiveLoader::Volatility::Off, false, &stats);
             // A lost key record takes its own values; its sub-keys come back under a parent made anew.
-            size_t lostKeys = Missing(intact, got, u'K'), lostValues = Missing(intact, got, u'V');
-            EXPECT_LE(lostKeys, 1u) << "byte " << i;
-            EXPECT_LE(lostValues, 2u) << "byte " << i;
+            size_t lost[2] = {};
+            for (const auto& line : intact) lost[line[0] == u'V'] += !got.count(line);
+            EXPECT_LE(lost[0], 1u) << "byte " << i;
+            EXPECT_LE(lost[1], 2u) << "byte " << i;
             EXPECT_LE(got.size(), intact.size()) << "byte " << i;
             EXPECT_GE(stats.skipped, 1u) << "byte " << i;
         }
@@ -126,9 +117,9 @@ TEST(RegistryFormat, EveryTruncationLoadsTheWholeRecordsBeforeIt) {
     auto intact = Load(bytes, HiveLoader::Volatility::Off, false);
     size_t previous = 0;
     for (size_t length = 0; length <= bytes.size(); ++length) {
-        std::vector<uint8_t> head(bytes.begin(), bytes.begin() + static_cast<ptrdiff_t>(length));
         LoadStats stats;
-        auto got = Load(head, HiveLoader::Volatility::Off, false, &stats);
+        auto got = Load({bytes.begin(), bytes.begin() + static_cast<ptrdiff_t>(length)}, HiveLoader::Volatility::Off,
+                        false, &stats);
         for (const auto& line : got) EXPECT_TRUE(intact.count(line)) << "length " << length;
         EXPECT_GE(stats.keys + stats.values, previous) << "length " << length;
         previous = stats.keys + stats.values;

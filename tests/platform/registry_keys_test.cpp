@@ -2,27 +2,21 @@
 #include "registry_fixture.h"
 
 using RegistryKeys = RegistryTest;
-using Names = std::vector<std::u16string>;
 
 TEST_F(RegistryKeys, CreateAndOpenMatchNamesCaseBlindAndKeepTheFirstCase) {
     HKEY key = nullptr;
     DWORD disposition = 0;
-    ASSERT_EQ(RegCreateKeyExW(HKEY_CURRENT_USER, u"Software\\Zel\\Alpha\\Ünïcode", 0, nullptr, 0, KEY_ALL_ACCESS,
-                              nullptr, &key, &disposition),
-              ERROR_SUCCESS);
-    EXPECT_EQ(disposition, static_cast<DWORD>(REG_CREATED_NEW_KEY));
-    RegCloseKey(key);
+    for (auto [path, expected] : {std::pair{u"Software\\Zel\\Alpha\\Ünïcode", REG_CREATED_NEW_KEY},
+                                  std::pair{u"SOFTWARE\\zel\\ALPHA\\üNÏCODE\\", REG_OPENED_EXISTING_KEY}}) {
+        ASSERT_EQ(RegCreateKeyExW(HKEY_CURRENT_USER, path, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &key, &disposition),
+                  ERROR_SUCCESS);
+        EXPECT_EQ(disposition, static_cast<DWORD>(expected));
+        RegCloseKey(key);
+    }
 
-    ASSERT_EQ(RegCreateKeyExW(HKEY_CURRENT_USER, u"SOFTWARE\\zel\\ALPHA\\üNÏCODE\\", 0, nullptr, 0, KEY_ALL_ACCESS,
-                              nullptr, &key, &disposition),
-              ERROR_SUCCESS);
-    EXPECT_EQ(disposition, static_cast<DWORD>(REG_OPENED_EXISTING_KEY));
-    RegCloseKey(key);
-
-    HKEY zel = nullptr;
+    HKEY zel = nullptr, alpha = nullptr;
     ASSERT_EQ(RegOpenKeyExW(HKEY_CURRENT_USER, u"software\\ZEL", 0, KEY_READ, &zel), ERROR_SUCCESS);
     EXPECT_EQ(SubKeys(zel), Names{u"Alpha"});
-    HKEY alpha = nullptr;
     ASSERT_EQ(RegOpenKeyW(zel, u"alpha", &alpha), ERROR_SUCCESS);
     EXPECT_EQ(SubKeys(alpha), Names{u"Ünïcode"});
     RegCloseKey(alpha);
@@ -63,7 +57,6 @@ TEST_F(RegistryKeys, DeletingFollowsTheSystemRulesAndStrandsHandles) {
 
     // The handle outlives its key: every use but closing tells so, even once the path is taken again.
     WCHAR name[16];
-    EXPECT_EQ(SetDword(child, u"n", 2), ERROR_KEY_DELETED);
     EXPECT_EQ(GetText(child, u"n"), u"<status 1018>");
     EXPECT_EQ(RegEnumKeyW(child, 0, name, 16), ERROR_KEY_DELETED);
     HKEY again = Create(u"Child", 0, parent);
@@ -112,20 +105,17 @@ TEST_F(RegistryKeys, AHandleHoldsOnlyTheRightsItWasOpenedWith) {
     EXPECT_EQ(RegQueryValueExW(writer, u"v", nullptr, nullptr, nullptr, nullptr), ERROR_ACCESS_DENIED);
     EXPECT_EQ(RegQueryValueExW(reader, u"v", nullptr, nullptr, nullptr, nullptr), ERROR_SUCCESS);
     EXPECT_EQ(RegDeleteValueW(reader, u"v"), ERROR_ACCESS_DENIED);
-    // Deleting its own key takes the right to delete, which KEY_WRITE lacks.
-    EXPECT_EQ(RegDeleteKeyW(writer, u""), ERROR_ACCESS_DENIED);
+    EXPECT_EQ(RegDeleteKeyW(writer, u""), ERROR_ACCESS_DENIED);  // KEY_WRITE lacks the right to delete
     RegCloseKey(reader);
     RegCloseKey(writer);
 }
 
 TEST_F(RegistryKeys, VolatileKeysHoldOnlyVolatileKeysAndMakeLastingParents) {
-    HKEY dust = Create(u"Software\\Dust", REG_OPTION_VOLATILE);
-    HKEY key = nullptr;
+    HKEY dust = Create(u"Software\\Dust", REG_OPTION_VOLATILE), key = nullptr;
     EXPECT_EQ(RegCreateKeyExW(dust, u"Stone", 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &key, nullptr),
               ERROR_CHILD_MUST_BE_VOLATILE);
     RegCloseKey(Create(u"Ash", REG_OPTION_VOLATILE, dust));
-    // An existing volatile key opens whatever the options.
-    RegCloseKey(Create(u"Software\\Dust", REG_OPTION_NON_VOLATILE));
+    RegCloseKey(Create(u"Software\\Dust", REG_OPTION_NON_VOLATILE));  // an existing key opens whatever the options
 
     // Only the key named becomes volatile: its new parents last, so a lasting sibling fits.
     RegCloseKey(Create(u"Software\\Made\\On\\TheWay", REG_OPTION_VOLATILE));
@@ -137,51 +127,36 @@ TEST_F(RegistryKeys, VolatileKeysHoldOnlyVolatileKeysAndMakeLastingParents) {
 }
 
 TEST_F(RegistryKeys, QueryInfoGivesCountsLongestNamesClassAndTime) {
-    HKEY key = nullptr;
-    WCHAR keyClass[] = u"Klass";
-    ASSERT_EQ(RegCreateKeyExW(HKEY_CURRENT_USER, u"Software\\Info", 0, keyClass, 0, KEY_ALL_ACCESS, nullptr, &key,
-                              nullptr),
-              ERROR_SUCCESS);
-    WCHAR subClass[] = u"LongerClass";
-    HKEY sub = nullptr;
-    ASSERT_EQ(RegCreateKeyExW(key, u"SubKeyName", 0, subClass, 0, KEY_ALL_ACCESS, nullptr, &sub, nullptr),
-              ERROR_SUCCESS);
-    RegCloseKey(sub);
+    WCHAR keyClass[] = u"Klass", subClass[] = u"LongerClass";
+    HKEY key = Create(u"Software\\Info", 0, HKEY_CURRENT_USER, keyClass);
+    ASSERT_NE(key, nullptr);
+    RegCloseKey(Create(u"SubKeyName", 0, key, subClass));
     RegCloseKey(Create(u"S", 0, key));
     EXPECT_EQ(SetText(key, u"ValueName", u"twelve chars"), ERROR_SUCCESS);
     EXPECT_EQ(SetDword(key, u"n", 7), ERROR_SUCCESS);
 
-    DWORD subKeys = 0, maxSubKey = 0, maxClass = 0, values = 0, maxValueName = 0, maxValue = 0;
-    FILETIME before{};
+    DWORD classSize = 16, subKeys = 0, maxSubKey = 0, maxClass = 0, values = 0, maxValueName = 0, maxValue = 0;
+    FILETIME before{}, after{};
     WCHAR buffer[16];
-    DWORD classSize = 16;
     ASSERT_EQ(RegQueryInfoKeyW(key, buffer, &classSize, nullptr, &subKeys, &maxSubKey, &maxClass, &values,
                                &maxValueName, &maxValue, nullptr, &before),
               ERROR_SUCCESS);
     EXPECT_EQ(std::u16string(buffer), u"Klass");
-    EXPECT_EQ(classSize, 5u);
-    EXPECT_EQ(subKeys, 2u);
-    EXPECT_EQ(maxSubKey, 10u);
-    EXPECT_EQ(maxClass, 11u);
-    EXPECT_EQ(values, 2u);
-    EXPECT_EQ(maxValueName, 9u);
-    EXPECT_EQ(maxValue, 26u);
+    EXPECT_EQ((std::vector<DWORD>{classSize, subKeys, maxSubKey, maxClass, values, maxValueName, maxValue}),
+              (std::vector<DWORD>{5, 2, 10, 11, 2, 9, 26}));
 
+    auto classAndTime = [&](LPWSTR name, LPDWORD size, PFILETIME time) {
+        return RegQueryInfoKeyW(key, name, size, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
+                                time);
+    };
     classSize = 5;
-    EXPECT_EQ(RegQueryInfoKeyW(key, buffer, &classSize, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
-                               nullptr, nullptr),
-              ERROR_MORE_DATA);
+    EXPECT_EQ(classAndTime(buffer, &classSize, nullptr), ERROR_MORE_DATA);
     EXPECT_EQ(classSize, 5u);
-    EXPECT_EQ(RegQueryInfoKeyW(key, buffer, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
-                               nullptr, nullptr),
-              ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(classAndTime(buffer, nullptr, nullptr), ERROR_INVALID_PARAMETER);
 
     // A change to the key's values moves its time of last write.
-    FILETIME after{};
     EXPECT_EQ(SetDword(key, u"n", 8), ERROR_SUCCESS);
-    ASSERT_EQ(RegQueryInfoKeyW(key, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
-                               nullptr, &after),
-              ERROR_SUCCESS);
+    ASSERT_EQ(classAndTime(nullptr, nullptr, &after), ERROR_SUCCESS);
     auto ticks = [](FILETIME t) { return (static_cast<uint64_t>(t.dwHighDateTime) << 32) | t.dwLowDateTime; };
     EXPECT_GT(ticks(before), 116444736000000000ull);  // after 1970
     EXPECT_GE(ticks(after), ticks(before));

@@ -1,113 +1,90 @@
 // The registry on disk: what lasts past a process, what processes share, volatile keys, damaged
 // files, failed writes and saved keys.
-#include <dirent.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
+#include <filesystem>
 
 #include "platform/posix/registry_files.h"
 #include "platform/posix/registry_format.h"
 #include "registry_fixture.h"
 
 using RegistryStore = RegistryTest;
-using Names = std::vector<std::u16string>;
 
 namespace {
 
 // Whether bytes hold name as UTF-16 text, as the hive files store names.
 bool HoldsName(const std::string& bytes, const std::u16string& name) {
-    std::string needle(reinterpret_cast<const char*>(name.data()), name.size() * sizeof(char16_t));
-    return bytes.find(needle) != std::string::npos;
-}
-
-std::vector<std::string> FilesIn(const std::string& dir) {
-    std::vector<std::string> names;
-    if (DIR* d = opendir(dir.c_str())) {
-        while (dirent* entry = readdir(d))
-            if (entry->d_name[0] != '.') names.push_back(entry->d_name);
-        closedir(d);
-    }
-    std::sort(names.begin(), names.end());
-    return names;
+    return bytes.find(std::string(reinterpret_cast<const char*>(name.data()), name.size() * 2)) != std::string::npos;
 }
 
 // Makes every file write fail as a full disk does, for the guard's lifetime.
 struct FailingWrites {
     FailingWrites() {
-        zelreg::g_writeFile = [](int, const void*, size_t) -> ssize_t {
-            errno = ENOSPC;
-            return -1;
-        };
+        zelreg::g_writeFile = [](int, const void*, size_t) -> ssize_t { return errno = ENOSPC, -1; };
     }
     ~FailingWrites() { zelreg::g_writeFile = &::write; }
 };
+
+zelreg::LoadStats LoadInto(zelreg::RegKey& root, const std::string& bytes, zelreg::HiveLoader::Volatility volatility) {
+    return zelreg::HiveLoader(root).Load(reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size(), volatility);
+}
 
 }  // namespace
 
 TEST_F(RegistryStore, WhatAChildProcessWritesReachesTheParentsOpenHandle) {
     HKEY shared = Create(u"Software\\Shared");
     ASSERT_EQ(SetDword(shared, u"before", 1), ERROR_SUCCESS);
-    int status = zeltest::RunInChild([] {
-        HKEY key = nullptr;
-        if (RegCreateKeyExW(HKEY_CURRENT_USER, u"Software\\Shared\\FromChild", 0, nullptr, 0, KEY_ALL_ACCESS, nullptr,
-                            &key, nullptr) != ERROR_SUCCESS)
-            return 1;
-        return SetText(key, u"said", u"hello") == ERROR_SUCCESS ? 0 : 2;
-    });
-    EXPECT_EQ(status, 0);
+    EXPECT_EQ(zeltest::RunInChild([] { return SetText(Create(u"Software\\Shared\\FromChild"), u"said", u"hello"); }),
+              0);
     EXPECT_EQ(SubKeys(shared), Names{u"FromChild"});
     EXPECT_EQ(ValueNames(shared), Names{u"before"});
-    HKEY child = nullptr;
-    ASSERT_EQ(RegOpenKeyExW(shared, u"fromchild", 0, KEY_READ, &child), ERROR_SUCCESS);
-    EXPECT_EQ(GetText(child, u"said"), u"hello");
-    RegCloseKey(child);
+    EXPECT_EQ(ReadText(u"software\\shared\\fromchild", u"said"), u"hello");
     RegCloseKey(shared);
     EXPECT_TRUE(HoldsName(zeltest::ReadFile(HiveFile()), u"FromChild"));
 }
 
 TEST_F(RegistryStore, TwoProcessesWritingAtOnceLoseNoValue) {
     constexpr int kPerWriter = 40;
+    auto name = [](int w, int i) { return u"w" + Number(w) + u"-" + Number(i); };
+    auto write = [&](int w) {
+        HKEY key = nullptr;
+        int failures = RegOpenKeyExW(HKEY_CURRENT_USER, u"Software\\Race", 0, KEY_ALL_ACCESS, &key) != 0;
+        for (int i = 0; i < kPerWriter; ++i)
+            failures += SetDword(key, name(w, i).c_str(), static_cast<DWORD>(w * 1000 + i)) != ERROR_SUCCESS;
+        RegCloseKey(key);
+        return failures;
+    };
     RegCloseKey(Create(u"Software\\Race"));
     int gate[2];
     ASSERT_EQ(pipe(gate), 0);
-    pid_t writers[2];
-    for (int w = 0; w < 2; ++w) {
-        fflush(nullptr);
-        writers[w] = fork();
-        ASSERT_GE(writers[w], 0);
-        if (writers[w] == 0) {
-            close(gate[1]);
-            char byte;
-            (void)!read(gate[0], &byte, 1);  // both start when the gate closes
-            HKEY key = nullptr;
-            int failures = RegOpenKeyExW(HKEY_CURRENT_USER, u"Software\\Race", 0, KEY_ALL_ACCESS, &key) != 0;
-            for (int i = 0; i < kPerWriter; ++i) {
-                std::u16string name = u"w" + Number(w) + u"-" + Number(i);
-                failures += SetDword(key, name.c_str(), static_cast<DWORD>(w * 1000 + i)) != ERROR_SUCCESS;
-            }
-            _exit(failures ? 1 : 0);
-        }
+    fflush(nullptr);
+    pid_t child = fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+        close(gate[1]);
+        char byte;
+        (void)!read(gate[0], &byte, 1);  // starts when the parent closes the gate
+        _exit(write(0) ? 1 : 0);
     }
     close(gate[0]);
     close(gate[1]);
-    for (pid_t pid : writers) {
-        int status = 0;
-        ASSERT_EQ(waitpid(pid, &status, 0), pid);
-        EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
-    }
+    EXPECT_EQ(write(1), 0);
+    int status = 0;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
 
     HKEY key = nullptr;
     ASSERT_EQ(RegOpenKeyExW(HKEY_CURRENT_USER, u"Software\\Race", 0, KEY_READ, &key), ERROR_SUCCESS);
     EXPECT_EQ(ValueNames(key).size(), 2u * kPerWriter);
     for (int w = 0; w < 2; ++w)
         for (int i = 0; i < kPerWriter; ++i) {
-            std::u16string name = u"w" + Number(w) + u"-" + Number(i);
             DWORD value = 0, size = sizeof value;
-            ASSERT_EQ(RegQueryValueExW(key, name.c_str(), nullptr, nullptr, reinterpret_cast<LPBYTE>(&value), &size),
+            ASSERT_EQ(RegQueryValueExW(key, name(w, i).c_str(), nullptr, nullptr, reinterpret_cast<LPBYTE>(&value),
+                                       &size),
                       ERROR_SUCCESS);
             EXPECT_EQ(value, static_cast<DWORD>(w * 1000 + i));
         }
@@ -128,65 +105,47 @@ TEST_F(RegistryStore, VolatileKeysStayOutOfTheHiveFileYetOtherProcessesSeeThem) 
     RegCloseKey(fleeting);
 
     std::string hive = zeltest::ReadFile(HiveFile());
-    EXPECT_FALSE(HoldsName(hive, u"Fleeting"));
-    EXPECT_FALSE(HoldsName(hive, u"Mood"));
-    EXPECT_FALSE(HoldsName(hive, u"Transient"));
+    for (const char16_t* name : {u"Fleeting", u"Mood", u"Transient"}) EXPECT_FALSE(HoldsName(hive, name));
     EXPECT_TRUE(HoldsName(hive, u"Made"));  // the parent made on the way lasts
 
-    EXPECT_EQ(zeltest::RunInChild([] {
-                  HKEY key = nullptr;
-                  if (RegOpenKeyExW(HKEY_CURRENT_USER, u"Software\\Fleeting", 0, KEY_READ, &key) != ERROR_SUCCESS)
-                      return 1;
-                  return GetText(key, u"Mood") == u"passing" ? 0 : 2;
-              }),
-              0);
+    EXPECT_EQ(zeltest::RunInChild([] { return ReadText(u"Software\\Fleeting", u"Mood") == u"passing" ? 0 : 1; }), 0);
     // Another registry directory has volatile keys of its own.
     zeltest::TempDir other;
     zeltest::ScopedEnv otherRegistry("ZEL_REGISTRY_DIR", other.file("registry"));
-    HKEY key = nullptr;
-    EXPECT_EQ(RegOpenKeyExW(HKEY_CURRENT_USER, u"Software\\Fleeting", 0, KEY_READ, &key), ERROR_FILE_NOT_FOUND);
+    EXPECT_EQ(ReadText(u"Software\\Fleeting", u"Mood"), u"<status 2>");
 }
 
 TEST_F(RegistryStore, ADamagedOrTruncatedHiveLoadsWhatItCan) {
-    for (const char16_t* name : {u"Software\\K1", u"Software\\K2", u"Software\\K3", u"Software\\K4"}) {
-        HKEY key = Create(name);
+    const Names keys{u"Software\\K1", u"Software\\K2", u"Software\\K3", u"Software\\K4"};
+    for (const std::u16string& name : keys) {
+        HKEY key = Create(name.c_str());
         ASSERT_EQ(SetText(key, u"v", name), ERROR_SUCCESS);
         RegCloseKey(key);
     }
-    std::string good = zeltest::ReadFile(HiveFile());
-    std::u16string k3 = u"Software\\K3";
-    size_t at = good.find(std::string(reinterpret_cast<const char*>(k3.data()), k3.size() * 2));
+    std::string good = zeltest::ReadFile(HiveFile()), damaged = good;
+    size_t at = good.find(std::string(reinterpret_cast<const char*>(keys[2].data()), keys[2].size() * 2));
     ASSERT_NE(at, std::string::npos);
-    std::string damaged = good;
     damaged[at + 2] ^= 0x40;
 
-    auto loadsFrom = [](const std::string& bytes) {
+    auto loadsFrom = [&](const std::string& bytes) {
         zeltest::TempDir dir;
         zeltest::ScopedEnv registry("ZEL_REGISTRY_DIR", dir.file("registry"));
         mkdir(dir.file("registry").c_str(), 0700);
         zeltest::WriteFile(dir.file("registry/current_user.hive"), bytes);
-        std::vector<std::u16string> found;
-        for (const char16_t* name : {u"Software\\K1", u"Software\\K2", u"Software\\K3", u"Software\\K4"}) {
-            HKEY key = nullptr;
-            if (RegOpenKeyExW(HKEY_CURRENT_USER, name, 0, KEY_READ, &key) == ERROR_SUCCESS) {
-                found.push_back(GetText(key, u"v"));
-                RegCloseKey(key);
-            }
-        }
+        Names found;
+        for (const std::u16string& name : keys)
+            if (std::u16string text = ReadText(name.c_str(), u"v"); text != u"<status 2>") found.push_back(text);
         // The hive takes changes again, and writes a whole file.
-        HKEY key = nullptr;
-        EXPECT_EQ(RegCreateKeyW(HKEY_CURRENT_USER, u"Software\\After", &key), ERROR_SUCCESS);
-        RegCloseKey(key);
+        RegCloseKey(Create(u"Software\\After"));
         zelreg::RegKey root;
-        std::string rewritten = zeltest::ReadFile(dir.file("registry/current_user.hive"));
-        zelreg::LoadStats stats = zelreg::HiveLoader(root).Load(reinterpret_cast<const uint8_t*>(rewritten.data()),
-                                                                rewritten.size(), zelreg::HiveLoader::Volatility::Off);
+        zelreg::LoadStats stats = LoadInto(root, zeltest::ReadFile(dir.file("registry/current_user.hive")),
+                                           zelreg::HiveLoader::Volatility::Off);
         EXPECT_TRUE(stats.headerValid);
         EXPECT_EQ(stats.skipped, 0u);
         return found;
     };
-    EXPECT_EQ(loadsFrom(damaged), (Names{u"Software\\K1", u"Software\\K2", u"Software\\K4"}));
-    EXPECT_EQ(loadsFrom(good.substr(0, at)), (Names{u"Software\\K1", u"Software\\K2"}));
+    EXPECT_EQ(loadsFrom(damaged), (Names{keys[0], keys[1], keys[3]}));
+    EXPECT_EQ(loadsFrom(good.substr(0, at)), (Names{keys[0], keys[1]}));
     EXPECT_EQ(loadsFrom("not a hive at all"), Names{});
 }
 
@@ -206,7 +165,11 @@ TEST_F(RegistryStore, AFailedWriteLeavesTheOldFileAndTheMemoryAgreesWithIt) {
     EXPECT_EQ(zeltest::ReadFile(HiveFile()), before);
     EXPECT_EQ(ValueNames(key), Names{u"kept"});
     EXPECT_EQ(SubKeys(key), Names{});
-    EXPECT_EQ(FilesIn(dir_.file("registry")), (std::vector<std::string>{"current_user.hive", "current_user.hive.lock"}));
+    std::vector<std::string> files;  // no temporary file is left behind
+    for (const auto& entry : std::filesystem::directory_iterator(dir_.file("registry")))
+        files.push_back(entry.path().filename());
+    std::sort(files.begin(), files.end());
+    EXPECT_EQ(files, (std::vector<std::string>{"current_user.hive", "current_user.hive.lock"}));
     EXPECT_EQ(SetDword(key, u"now", 3), ERROR_SUCCESS);
     RegCloseKey(key);
 }
@@ -227,10 +190,9 @@ TEST_F(RegistryStore, SaveKeyWritesTheSubtreeOnceAndNeverOverwrites) {
     }
     EXPECT_EQ(access(dir_.file("failed.hiv").c_str(), F_OK), -1);
 
-    std::string saved = zeltest::ReadFile(dir_.file("saved.hiv"));
     zelreg::RegKey root;
-    zelreg::LoadStats stats = zelreg::HiveLoader(root).Load(reinterpret_cast<const uint8_t*>(saved.data()),
-                                                            saved.size(), zelreg::HiveLoader::Volatility::FromFile);
+    zelreg::LoadStats stats =
+        LoadInto(root, zeltest::ReadFile(dir_.file("saved.hiv")), zelreg::HiveLoader::Volatility::FromFile);
     EXPECT_EQ(stats.kind, zelreg::FileKind::Saved);
     EXPECT_EQ(stats.skipped, 0u);
     ASSERT_EQ(root.values.size(), 1u);

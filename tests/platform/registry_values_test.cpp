@@ -5,7 +5,6 @@
 #include "registry_fixture.h"
 
 using RegistryValues = RegistryTest;
-using Names = std::vector<std::u16string>;
 
 namespace {
 
@@ -30,7 +29,6 @@ TEST_F(RegistryValues, QueryGivesTypeAndSizeAndTellsOfShortBuffers) {
     size = 11;
     EXPECT_EQ(RegQueryValueExW(key, u"Greeting", nullptr, &type, buffer, &size), ERROR_MORE_DATA);
     EXPECT_EQ(size, 12u);
-    size = 12;
     EXPECT_EQ(RegQueryValueExW(key, u"Greeting", nullptr, &type, buffer, &size), ERROR_SUCCESS);
     EXPECT_EQ(std::u16string(reinterpret_cast<const char16_t*>(buffer)), u"hello");
     EXPECT_EQ(buffer[12], 0xEE);
@@ -66,25 +64,24 @@ TEST_F(RegistryValues, EnumerationWritesNothingWhenEitherBufferIsShort) {
     BYTE data[32];
     memset(name, 0x55, sizeof name);
     memset(data, 0x55, sizeof data);
-    DWORD nameSize = 4, dataSize = sizeof data, type = 0;
-    EXPECT_EQ(RegEnumValueW(key, 0, name, &nameSize, nullptr, &type, data, &dataSize), ERROR_MORE_DATA);
-    EXPECT_EQ(nameSize, 4u);
-    EXPECT_EQ(dataSize, 14u);
-    EXPECT_EQ(type, static_cast<DWORD>(REG_SZ));
-    EXPECT_EQ(name[0], 0x5555);
-    EXPECT_EQ(data[0], 0x55);
+    // A short name buffer, then a short data buffer: the sizes needed come back and nothing is written.
+    for (auto [nameRoom, dataRoom] : {std::pair<DWORD, DWORD>{4, 32}, {5, 13}}) {
+        DWORD nameSize = nameRoom, dataSize = dataRoom, type = 0;
+        EXPECT_EQ(RegEnumValueW(key, 0, name, &nameSize, nullptr, &type, data, &dataSize), ERROR_MORE_DATA);
+        EXPECT_EQ(nameSize, nameRoom);
+        EXPECT_EQ(dataSize, 14u);
+        EXPECT_EQ(type, static_cast<DWORD>(REG_SZ));
+        EXPECT_EQ(name[0], 0x5555);
+        EXPECT_EQ(data[0], 0x55);
+    }
 
-    nameSize = 5;
-    dataSize = 13;
-    EXPECT_EQ(RegEnumValueW(key, 0, name, &nameSize, nullptr, &type, data, &dataSize), ERROR_MORE_DATA);
-    EXPECT_EQ(name[0], 0x5555);
-
-    EXPECT_EQ(RegEnumValueW(key, 0, name, &nameSize, nullptr, &type, data, &dataSize), ERROR_SUCCESS);
+    DWORD nameSize = 5, dataSize = 14;
+    EXPECT_EQ(RegEnumValueW(key, 0, name, &nameSize, nullptr, nullptr, data, &dataSize), ERROR_SUCCESS);
     EXPECT_EQ(nameSize, 4u);
     EXPECT_EQ(std::u16string(name), u"Name");
     EXPECT_EQ(std::u16string(reinterpret_cast<const char16_t*>(data)), u"abcdef");
-    EXPECT_EQ(RegEnumValueW(key, 1, name, &nameSize, nullptr, &type, data, &dataSize), ERROR_NO_MORE_ITEMS);
-    EXPECT_EQ(RegEnumValueW(key, 0, name, nullptr, nullptr, &type, data, &dataSize), ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(RegEnumValueW(key, 1, name, &nameSize, nullptr, nullptr, data, &dataSize), ERROR_NO_MORE_ITEMS);
+    EXPECT_EQ(RegEnumValueW(key, 0, name, nullptr, nullptr, nullptr, data, &dataSize), ERROR_INVALID_PARAMETER);
     RegCloseKey(key);
 }
 
@@ -95,13 +92,11 @@ TEST_F(RegistryValues, OldCallsWorkOnTheDefaultValueAsText) {
     EXPECT_EQ(RegSetValueW(key, u"Sub", REG_DWORD, u"text", 10), ERROR_INVALID_PARAMETER);
 
     WCHAR buffer[16];
-    LONG size = sizeof buffer;
-    EXPECT_EQ(RegQueryValueW(key, u"sub\\deeper", buffer, &size), ERROR_SUCCESS);
-    EXPECT_EQ(size, 10);
-    EXPECT_EQ(std::u16string(buffer), u"text");
-    size = 9;
+    LONG size = 9;
     EXPECT_EQ(RegQueryValueW(key, u"Sub\\Deeper", buffer, &size), ERROR_MORE_DATA);
     EXPECT_EQ(size, 10);
+    EXPECT_EQ(RegQueryValueW(key, u"sub\\deeper", buffer, &size), ERROR_SUCCESS);
+    EXPECT_EQ(std::u16string(buffer), u"text");
 
     // A key without a default value reads as empty text; a missing key does not read.
     size = sizeof buffer;
@@ -110,13 +105,13 @@ TEST_F(RegistryValues, OldCallsWorkOnTheDefaultValueAsText) {
     EXPECT_EQ(buffer[0], 0);
     EXPECT_EQ(RegQueryValueW(key, u"None", buffer, &size), ERROR_FILE_NOT_FOUND);
 
+    // The ANSI call counts bytes.
     char ansi[16];
-    size = sizeof ansi;
-    EXPECT_EQ(RegQueryValueA(key, "Sub", ansi, &size), ERROR_SUCCESS);
-    EXPECT_EQ(size, 1);
-    size = sizeof ansi;
-    EXPECT_EQ(RegQueryValueA(key, "Sub\\Deeper", ansi, &size), ERROR_SUCCESS);
-    EXPECT_EQ(size, 5);
+    for (auto [sub, bytes] : {std::pair{"Sub", 1}, {"Sub\\Deeper", 5}}) {
+        size = sizeof ansi;
+        EXPECT_EQ(RegQueryValueA(key, sub, ansi, &size), ERROR_SUCCESS);
+        EXPECT_EQ(size, bytes) << sub;
+    }
     EXPECT_STREQ(ansi, "text");
     RegCloseKey(key);
 }
@@ -124,62 +119,56 @@ TEST_F(RegistryValues, OldCallsWorkOnTheDefaultValueAsText) {
 TEST_F(RegistryValues, AnsiCallsConvertTextDataAndGiveTheirOwnSizes) {
     HKEY key = Create(u"Software\\Ansi");
     const char cafe[] = "caf\xE9";  // "café" in code page 1252: five bytes with the terminator
-    ASSERT_EQ(RegSetValueExA(key, "Drink", 0, REG_SZ, reinterpret_cast<const BYTE*>(cafe), sizeof cafe),
-              ERROR_SUCCESS);
+    auto setA = [&](const char* name, DWORD type, const void* data, DWORD size) {
+        return RegSetValueExA(key, name, 0, type, static_cast<const BYTE*>(data), size);
+    };
+    ASSERT_EQ(setA("Drink", REG_SZ, cafe, sizeof cafe), ERROR_SUCCESS);
     DWORD size = 0;
     EXPECT_EQ(RegQueryValueExW(key, u"Drink", nullptr, nullptr, nullptr, &size), ERROR_SUCCESS);
     EXPECT_EQ(size, 10u);
     EXPECT_EQ(GetText(key, u"drink"), u"café");
 
-    DWORD type = 0;
-    size = 0;
-    EXPECT_EQ(RegQueryValueExA(key, "DRINK", nullptr, &type, nullptr, &size), ERROR_SUCCESS);
+    EXPECT_EQ(RegQueryValueExA(key, "DRINK", nullptr, nullptr, nullptr, &size), ERROR_SUCCESS);
     EXPECT_EQ(size, 5u);
     char text[8] = {};
     size = 4;
-    EXPECT_EQ(RegQueryValueExA(key, "Drink", nullptr, &type, reinterpret_cast<LPBYTE>(text), &size), ERROR_MORE_DATA);
+    EXPECT_EQ(RegQueryValueExA(key, "Drink", nullptr, nullptr, reinterpret_cast<LPBYTE>(text), &size), ERROR_MORE_DATA);
     EXPECT_EQ(size, 5u);
-    size = 5;
-    EXPECT_EQ(RegQueryValueExA(key, "Drink", nullptr, &type, reinterpret_cast<LPBYTE>(text), &size), ERROR_SUCCESS);
+    EXPECT_EQ(RegQueryValueExA(key, "Drink", nullptr, nullptr, reinterpret_cast<LPBYTE>(text), &size), ERROR_SUCCESS);
     EXPECT_STREQ(text, cafe);
 
     // Lists convert whole, inner terminators included; other types pass as bytes.
     const char list[] = "a\0\xE9\0";
-    ASSERT_EQ(RegSetValueExA(key, "List", 0, REG_MULTI_SZ, reinterpret_cast<const BYTE*>(list), sizeof list),
-              ERROR_SUCCESS);
     const char16_t wideList[] = u"a\0é\0";
-    BYTE buffer[32];
-    size = sizeof buffer;
-    EXPECT_EQ(RegQueryValueExW(key, u"List", nullptr, nullptr, buffer, &size), ERROR_SUCCESS);
-    EXPECT_EQ(Bytes(buffer, size), Bytes(wideList, sizeof wideList));
-    ASSERT_EQ(RegSetValueExA(key, "Raw", 0, REG_BINARY, reinterpret_cast<const BYTE*>(cafe), 4), ERROR_SUCCESS);
-    size = sizeof buffer;
-    EXPECT_EQ(RegQueryValueExW(key, u"Raw", nullptr, nullptr, buffer, &size), ERROR_SUCCESS);
-    EXPECT_EQ(Bytes(buffer, size), Bytes(cafe, 4));
+    ASSERT_EQ(setA("List", REG_MULTI_SZ, list, sizeof list), ERROR_SUCCESS);
+    ASSERT_EQ(setA("Raw", REG_BINARY, cafe, 4), ERROR_SUCCESS);
+    for (auto [name, expected] : {std::pair{u"List", Bytes(wideList, sizeof wideList)}, {u"Raw", Bytes(cafe, 4)}}) {
+        BYTE buffer[32];
+        size = sizeof buffer;
+        EXPECT_EQ(RegQueryValueExW(key, name, nullptr, nullptr, buffer, &size), ERROR_SUCCESS);
+        EXPECT_EQ(Bytes(buffer, size), expected);
+    }
 
     // Names convert too; enumeration counts the ANSI name and data.
-    ASSERT_EQ(RegSetValueExA(key, "\xC9t\xE9", 0, REG_SZ, reinterpret_cast<const BYTE*>(cafe), sizeof cafe),
-              ERROR_SUCCESS);
+    ASSERT_EQ(setA("\xC9t\xE9", REG_SZ, cafe, sizeof cafe), ERROR_SUCCESS);
     EXPECT_EQ(GetText(key, u"été"), u"café");
     char name[8];
     DWORD nameSize = sizeof name;
     size = 0;
-    EXPECT_EQ(RegEnumValueA(key, 3, name, &nameSize, nullptr, &type, nullptr, &size), ERROR_SUCCESS);
+    EXPECT_EQ(RegEnumValueA(key, 3, name, &nameSize, nullptr, nullptr, nullptr, &size), ERROR_SUCCESS);
     EXPECT_STREQ(name, "\xC9t\xE9");
     EXPECT_EQ(nameSize, 3u);
     EXPECT_EQ(size, 5u);
-    nameSize = 3;
-    EXPECT_EQ(RegEnumValueA(key, 3, name, &nameSize, nullptr, &type, nullptr, &size), ERROR_MORE_DATA);
+    EXPECT_EQ(RegEnumValueA(key, 3, name, &nameSize, nullptr, nullptr, nullptr, &size), ERROR_MORE_DATA);
     RegCloseKey(key);
 }
 
 TEST_F(RegistryValues, AnsiKeyCallsConvertNamesAndClasses) {
-    HKEY key = nullptr;
+    HKEY key = nullptr, same = nullptr, software = nullptr;
     char keyClass[] = "Cl\xE4ss";
     ASSERT_EQ(RegCreateKeyExA(HKEY_CURRENT_USER, "Software\\\xC7" "a", 0, keyClass, 0, KEY_ALL_ACCESS, nullptr, &key,
                               nullptr),
               ERROR_SUCCESS);
-    HKEY same = nullptr;
     ASSERT_EQ(RegOpenKeyExW(HKEY_CURRENT_USER, u"Software\\ça", 0, KEY_READ, &same), ERROR_SUCCESS);
     RegCloseKey(same);
 
@@ -191,7 +180,6 @@ TEST_F(RegistryValues, AnsiKeyCallsConvertNamesAndClasses) {
     EXPECT_STREQ(buffer, keyClass);
     EXPECT_EQ(size, 5u);
 
-    HKEY software = nullptr;
     ASSERT_EQ(RegOpenKeyA(HKEY_CURRENT_USER, "software", &software), ERROR_SUCCESS);
     char name[4];
     DWORD i = 0;

@@ -63,27 +63,21 @@ void ExpectInPlace(const std::vector<InPlaceRow<T>>& rows) {
 }
 
 TEST(BoundedHelpers, CopyAndAppendTellWhetherTheTerminatorFitted) {
-    ExpectCopies<WCHAR>({{u"", u"abcdefg", 8, 0, u"abcdefg\0"s},  // size - 1 units: whole, yet 0
-                         {u"", u"abcdef", 8, 1, u"abcdef\0#"s},
-                         {u"", u"abcdefg", 4, 0, u"abc\0"s},
-                         {u"", u"", 1, 0, u"\0#"s},
-                         {u"", u"abc", -5, 0, u"\0#"s},  // a negative size acts as 1
-                         {u"", u"abc", 0, 0, u"#"},
-                         {u"abcde", u"", 6, 0, u"abcde\0"s},  // no room for one more unit
-                         {u"ab", u"cd", 6, 1, u"abcd\0#"s},
+    // size - 1 units go whole, yet give 0; a negative size acts as 1; an append needs room for one more unit.
+    ExpectCopies<WCHAR>({{u"", u"abcdefg", 8, 0, u"abcdefg\0"s}, {u"", u"abcdef", 8, 1, u"abcdef\0#"s},
+                         {u"", u"abcdefg", 4, 0, u"abc\0"s}, {u"", u"", 1, 0, u"\0#"s},
+                         {u"", u"abc", -5, 0, u"\0#"s}, {u"", u"abc", 0, 0, u"#"},
+                         {u"abcde", u"", 6, 0, u"abcde\0"s}, {u"ab", u"cd", 6, 1, u"abcd\0#"s},
                          {u"abcd", u"xyz", 6, 0, u"abcdx\0"s}},
                         ustrlcpy, ustrlcat);
     ScopedEnv acp("ZEL_ACP", "949");
     const std::string korean = "a\xC7\xD1\xB1\xDB";
     ExpectCopies<char>({{"", korean, 3, 0, "a\xC7\0"s}}, sstrlcpy, sstrlcat);  // splits it
-    ExpectCopies<char>({{"", korean, 4, 0, "a\xC7\xD1\0"s},
-                        {"", korean, 3, 0, "a\0#"s},  // the last byte stays as it was
-                        {"", korean, 6, 0, korean + '\0'},
-                        {"", korean, 7, 1, korean + "\0#"s},
-                        {"", "ab", 0, 0, "##"},
-                        {"a", korean.substr(1), 5, 0, "a\xC7\xD1\0#"s},
-                        {"a\xC7\xD1", "b", 5, 0, "a\xC7\xD1" "b\0"s},
-                        {"", "ab\xB0", 4, 0, "ab\xB0\0"s},
+    // A character that does not fit leaves the rest of the buffer as it was.
+    ExpectCopies<char>({{"", korean, 4, 0, "a\xC7\xD1\0"s}, {"", korean, 3, 0, "a\0#"s},
+                        {"", korean, 6, 0, korean + '\0'}, {"", korean, 7, 1, korean + "\0#"s},
+                        {"", "ab", 0, 0, "##"}, {"a", korean.substr(1), 5, 0, "a\xC7\xD1\0#"s},
+                        {"a\xC7\xD1", "b", 5, 0, "a\xC7\xD1" "b\0"s}, {"", "ab\xB0", 4, 0, "ab\xB0\0"s},
                         {"x", "ab\xB0", 6, 1, "xab\xB0\0#"s}},
                        mstrlcpy, mstrlcat);
     ScopedEnv japanese("ZEL_ACP", "932");  // 0x5C is a trail byte, not a character of its own
@@ -100,39 +94,32 @@ TEST(BoundedHelpers, DestinationsWithoutTerminatorAreReadNoFurtherThanSize) {
 }
 
 TEST(BoundedHelpers, CutAndTrimInPlace) {
+    constexpr auto utl = Whole<WCHAR, ustrtriml>, utr = Whole<WCHAR, ustrtrimr>;
     ExpectInPlace<WCHAR>({{u"abc", ustrcut, 4, 1, u"abc"},
                           {u"a\xD83D\xDE00", ustrcut, 3, 0, u"a\xD83D"},  // may split a pair
-                          {u"ab", ustrcut, 0, 0, u"ab"},
-                          {u"ab", ustrcut, -1, 0, u""},
-                          {u"\x3000 \t\xA0x\x2028 ", Whole<WCHAR, ustrtriml>, 0, 1, u"x\x2028 "},
-                          {u"\xFEFFx\x200B\x2028\x205F ", Whole<WCHAR, ustrtrimr>, 0, 1, u"\xFEFFx\x200B"},
-                          {u"\xFEFFx\x200B", Whole<WCHAR, ustrtriml>, 0, 0, u"\xFEFFx\x200B"},
-                          {u" \n", Whole<WCHAR, ustrtrimr>, 0, 1, u""},
-                          {u"", Whole<WCHAR, ustrtrimr>, 0, 0, u""}});
+                          {u"ab", ustrcut, 0, 0, u"ab"}, {u"ab", ustrcut, -1, 0, u""},
+                          {u"\x3000 \t\xA0x\x2028 ", utl, 0, 1, u"x\x2028 "},
+                          {u"\xFEFFx\x200B\x2028\x205F ", utr, 0, 1, u"\xFEFFx\x200B"},
+                          {u"\xFEFFx\x200B", utl, 0, 0, u"\xFEFFx\x200B"},
+                          {u" \n", utr, 0, 1, u""}, {u"", utr, 0, 0, u""}});
     ScopedEnv acp("ZEL_ACP", "949");
-    ExpectInPlace<char>({{"a\xB0\xA1", sstrcut, 4, 1, "a\xB0\xA1"},
-                         {"a\xB0\xA1", sstrcut, 3, 0, "a\xB0"},
-                         {" \xA0 x", Whole<char, sstrtriml>, 0, 1, "\xA0 x"},  // a high byte ends the trim
-                         {"x \xA0\v\r ", Whole<char, sstrtrimr>, 0, 1, "x \xA0"},
+    constexpr auto stl = Whole<char, sstrtriml>, str = Whole<char, sstrtrimr>;
+    constexpr auto mtl = Whole<char, mstrtriml>, mtr = Whole<char, mstrtrimr>;
+    ExpectInPlace<char>({{"a\xB0\xA1", sstrcut, 4, 1, "a\xB0\xA1"}, {"a\xB0\xA1", sstrcut, 3, 0, "a\xB0"},
+                         {" \xA0 x", stl, 0, 1, "\xA0 x"},  // a high byte ends the trim
+                         {"x \xA0\v\r ", str, 0, 1, "x \xA0"},
                          {"abc", mstrcut, 4, 0, "abc"},  // exactly size - 1 bytes
-                         {"abc", mstrcut, 5, 1, "abc"},
-                         {"a\xC7\xD1\xB1\xDB", mstrcut, 5, 0, "a\xC7\xD1"},
-                         {"a\xC7\xD1", mstrcut, 3, 0, "a"},
-                         {"ab\xB0", mstrcut, 3, 0, "ab"},
-                         {"ab", mstrcut, 0, 0, "ab"},
-                         {"ab", mstrcut, -3, 0, ""},
-                         {"\xA1\xA1 \xC7\xD1 a", Whole<char, mstrtriml>, 0, 1, "\xC7\xD1 a"},
-                         {"a\xC7\xD1 \xA1\xA1\t", Whole<char, mstrtrimr>, 0, 1, "a\xC7\xD1"},
-                         {" \xA1\xA1 ", Whole<char, mstrtrimr>, 0, 1, ""},
-                         {" \xA1\xA1\xB0", Whole<char, mstrtrimr>, 0, 0, " \xA1\xA1\xB0"},
-                         {" \xA1\xA1\xB0", Whole<char, mstrtriml>, 0, 1, "\xB0"},
-                         {"", Whole<char, mstrtriml>, 0, 0, ""}});
+                         {"abc", mstrcut, 5, 1, "abc"}, {"a\xC7\xD1\xB1\xDB", mstrcut, 5, 0, "a\xC7\xD1"},
+                         {"a\xC7\xD1", mstrcut, 3, 0, "a"}, {"ab\xB0", mstrcut, 3, 0, "ab"},
+                         {"ab", mstrcut, 0, 0, "ab"}, {"ab", mstrcut, -3, 0, ""},
+                         {"\xA1\xA1 \xC7\xD1 a", mtl, 0, 1, "\xC7\xD1 a"}, {" \xA1\xA1 ", mtr, 0, 1, ""},
+                         {"a\xC7\xD1 \xA1\xA1\t", mtr, 0, 1, "a\xC7\xD1"}, {"", mtl, 0, 0, ""},
+                         {" \xA1\xA1\xB0", mtr, 0, 0, " \xA1\xA1\xB0"}, {" \xA1\xA1\xB0", mtl, 0, 1, "\xB0"}});
     ScopedEnv japanese("ZEL_ACP", "932");
-    ExpectInPlace<char>({{"a\x83\x5C\x81\x40", Whole<char, mstrtrimr>, 0, 1, "a\x83\x5C"},
-                         {"\xA1\xA1" "a", Whole<char, mstrtriml>, 0, 0, "\xA1\xA1" "a"}});
+    ExpectInPlace<char>(
+        {{"a\x83\x5C\x81\x40", mtr, 0, 1, "a\x83\x5C"}, {"\xA1\xA1" "a", mtl, 0, 0, "\xA1\xA1" "a"}});
     ScopedEnv latin("ZEL_ACP", "1252");
-    ExpectInPlace<char>({{"a\xC7\xD1", mstrcut, 3, 0, "a\xC7"},
-                         {"x \xA1\xA1", Whole<char, mstrtrimr>, 0, 0, "x \xA1\xA1"}});
+    ExpectInPlace<char>({{"a\xC7\xD1", mstrcut, 3, 0, "a\xC7"}, {"x \xA1\xA1", mtr, 0, 0, "x \xA1\xA1"}});
 }
 
 TEST(BoundedHelpers, NullStringsGiveZeroAndWriteNothing) {
@@ -147,16 +134,13 @@ TEST(BoundedHelpers, NullStringsGiveZeroAndWriteNothing) {
 }
 
 TEST(BoundedHelpers, CompareFoldsOnlyLatinLettersToUpperCase) {
-    EXPECT_EQ(_ustricmp(u"MiXeD", u"mIxEd"), 0);
-    EXPECT_EQ(_ustricmp(u"a", u"_"), 0x41 - 0x5F);
-    EXPECT_EQ(_ustricmp(u"\xE9", u"\xC9"), 0x20);
-    EXPECT_EQ(_ustricmp(u"\xAC00", u"a"), 0xAC00 - 0x41);  // units count unsigned
-    EXPECT_EQ(_ustricmp(u"ab", u"ABc"), -0x43);
-    EXPECT_EQ(_ustricmp(u"abc", nullptr), 0x41);  // null as empty
-    EXPECT_EQ(_ustrnicmp(u"abX", u"ABY", 3), 0x58 - 0x59);
-    EXPECT_EQ(_ustrnicmp(u"abX", u"ABY", 2), 0);
-    EXPECT_EQ(_ustrnicmp(u"x", u"y", 0), 0);
-    EXPECT_EQ(_ustrnicmp(u"ab", u"AB", 100), 0);
+    // Units count unsigned, null counts as empty; a count below 0 here stands for the unbounded compare.
+    const struct { const WCHAR *a, *b; int count, result; } cases[] = {
+        {u"MiXeD", u"mIxEd", -1, 0}, {u"a", u"_", -1, 0x41 - 0x5F}, {u"\xE9", u"\xC9", -1, 0x20},
+        {u"\xAC00", u"a", -1, 0xAC00 - 0x41}, {u"ab", u"ABc", -1, -0x43}, {u"abc", nullptr, -1, 0x41},
+        {u"abX", u"ABY", 3, 0x58 - 0x59}, {u"abX", u"ABY", 2, 0}, {u"x", u"y", 0, 0}, {u"ab", u"AB", 100, 0}};
+    for (const auto& c : cases)
+        EXPECT_EQ(c.count < 0 ? _ustricmp(c.a, c.b) : _ustrnicmp(c.a, c.b, unsigned(c.count)), c.result) << &c - cases;
 }
 
 TEST(BoundedHelpers, WhiteSpaceOfAUnitIsTheUnicodeSet) {

@@ -473,7 +473,10 @@ DWORD EncodeIconv(const ZelCodePage& page, const WCHAR* s, size_t n, bool strict
         bool lone;
         NextCodePoint(s, n, at, units, lone);
         if (lone && strict) return ERROR_NO_UNICODE_TRANSLATION;
-        if (fallback) {
+        if (page.codePage == 1361 && s[at] == u'\\') {
+            // iconv's table of this page has no backslash: byte 0x5C is one here, as on the way in.
+            if (!sink.Put("\\", 1)) return ERROR_INSUFFICIENT_BUFFER;
+        } else if (fallback) {
             if (!sink.Put(fallback->bytes, fallback->length)) return ERROR_INSUFFICIENT_BUFFER;
             fallback->used = true;
         }
