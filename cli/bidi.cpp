@@ -30,14 +30,12 @@ bool ReadLine(const Args& args, bool allowCodes, LineOptions& options, int& stat
             return false;
         } else rest.push_back(arg);
     }
-    auto input = TextArgument(rest, 0);
-    if (!input) {
+    auto line = LineArgument(rest, 0);
+    if (!line) {
         status = 1;
         return false;
     }
-    std::string line = *input;
-    while (!line.empty() && (line.back() == '\n' || line.back() == '\r')) line.pop_back();
-    options.text = FromUtf8(line);
+    options.text = FromUtf8(*line);
     return true;
 }
 

@@ -17,19 +17,14 @@ int Usage(int status) {
            "Text is UTF-8 on the command line and on standard input and output.\n");
     return status;
 }
-
-std::string TrimLineEnd(std::string text) {
-    while (!text.empty() && (text.back() == '\n' || text.back() == '\r')) text.pop_back();
-    return text;
-}
 }  // namespace
 
 int RunHex(const Args& args) {
     if (WantsHelp(args)) return Usage(0);
     if (args.empty()) return Usage(2);
-    auto input = TextArgument(args, 1);
+    auto input = LineArgument(args, 1);
     if (!input) return 1;
-    const std::string text = TrimLineEnd(*input);
+    const std::string& text = *input;
     if (args[0] == "to") {
         std::u16string wide = FromUtf8(text);
         std::vector<char> output(wide.size() * 4 + 3);

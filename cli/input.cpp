@@ -27,6 +27,13 @@ std::optional<std::string> TextArgument(const Args& args, size_t first) {
     return text;
 }
 
+std::optional<std::string> LineArgument(const Args& args, size_t first) {
+    auto text = TextArgument(args, first);
+    if (text)
+        while (!text->empty() && (text->back() == '\n' || text->back() == '\r')) text->pop_back();
+    return text;
+}
+
 bool WantsHelp(const Args& args) {
     for (const auto& arg : args)
         if (arg == "--help" || arg == "-h") return true;

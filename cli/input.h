@@ -15,6 +15,9 @@ std::optional<std::string> ReadInput(const std::string& path);
 // input when there are none (or the one argument is "-").
 std::optional<std::string> TextArgument(const Args& args, size_t first);
 
+// The same, as one line: the line end that standard input or a file brings is taken off.
+std::optional<std::string> LineArgument(const Args& args, size_t first);
+
 // True when the arguments ask for help.
 bool WantsHelp(const Args& args);
 

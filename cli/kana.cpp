@@ -12,11 +12,6 @@
 
 namespace {
 
-std::string TrimLineEnd(std::string text) {
-    while (!text.empty() && (text.back() == '\n' || text.back() == '\r')) text.pop_back();
-    return text;
-}
-
 int KanaUsage(int status) {
     printf("Usage: zel kana full|half|hiragana|katakana [TEXT | -]\n\n"
            "full      half-width Katakana to full-width Katakana, sound marks joined to their kana\n"
@@ -39,9 +34,9 @@ int WidthUsage(int status) {
 int RunKana(const Args& args) {
     if (WantsHelp(args)) return KanaUsage(0);
     if (args.empty()) return KanaUsage(2);
-    auto input = TextArgument(args, 1);
+    auto input = LineArgument(args, 1);
     if (!input) return 1;
-    const std::u16string text = FromUtf8(TrimLineEnd(*input));
+    const std::u16string text = FromUtf8(*input);
     const int count = static_cast<int>(text.size());
     std::vector<WCHAR> output(text.size() * 2 + 1);
     int written;
@@ -57,9 +52,9 @@ int RunKana(const Args& args) {
 int RunWidth(const Args& args) {
     if (WantsHelp(args)) return WidthUsage(0);
     if (args.empty() || (args[0] != "full" && args[0] != "half")) return WidthUsage(2);
-    auto input = TextArgument(args, 1);
+    auto input = LineArgument(args, 1);
     if (!input) return 1;
-    std::u16string text = FromUtf8(TrimLineEnd(*input));
+    std::u16string text = FromUtf8(*input);
     const int direction = args[0] == "full" ? 0 : 1;
     for (auto& c : text) c = ZelUniHalfFullChange(c, direction);
     printf("%s\n", ToUtf8(text.c_str()).c_str());
