@@ -1,8 +1,32 @@
-// Code tables and conversion: Kana and width conversion.
+// Code tables and conversion: the code page front end, Kana and width conversion.
 #ifndef ZEL_CODETABLES_H
 #define ZEL_CODETABLES_H
 
 #include <zel/wintypes.h>
+
+// ---------------------------------------------------------------------------------------------
+// Code page front end
+//
+// Code page 0 is the system's ANSI code page, 1 its OEM code page. A length of -1 reads up to the
+// terminator; a size counts the whole output buffer, terminator included. The result is the
+// number of units written without the terminator, except that a conversion by the system with a
+// length of -1 counts the terminator too. A size below 2 writes only a terminator and gives 0.
+// Characters without a mapping become U+FFFD toward Unicode and the default character or '?'
+// toward a code page. The flags argument is not read.
+
+ZEL_API int ZelAnsiToUnicode(DWORD flags, DWORD codePage, const char* text, int length, WCHAR* buffer, int size,
+                             int ignored);
+ZEL_API int ZelUnicodeToAnsi(DWORD flags, DWORD codePage, const WCHAR* text, int length, char* buffer, int size,
+                             const char* defaultChar);
+ZEL_API int ZelAnsiToAnsi(DWORD flags, DWORD sourceCodePage, const char* text, int length, DWORD targetCodePage,
+                          char* buffer, int size, const char* defaultChar);
+
+// The same conversions by the system alone, with no table and no default character. A size below 2
+// gives 0 and writes nothing; a failed conversion gives 0 and leaves no terminator.
+ZEL_API int ZelAnsiToUnicode(DWORD flags, DWORD codePage, const char* text, int length, WCHAR* buffer, int size);
+ZEL_API int ZelUnicodeToAnsi(DWORD flags, DWORD codePage, const WCHAR* text, int length, char* buffer, int size);
+ZEL_API int ZelAnsiToAnsi(DWORD flags, DWORD sourceCodePage, const char* text, int length, DWORD targetCodePage,
+                          char* buffer, int size);
 
 // ---------------------------------------------------------------------------------------------
 // Kana and width conversion

@@ -8,5 +8,6 @@
 #include <zel/strings.h>
 #include <zel/codetables.h>
 #include <zel/bidi.h>
+#include <zel/paths.h>
 
 #endif  // ZEL_ZEL_H

@@ -149,4 +149,223 @@ LONG RegSaveKeyW(HKEY key, LPCWSTR fileName, const SECURITY_ATTRIBUTES* security
 std::string ZelPlatformPathToSystem(LPCWSTR path);
 std::u16string ZelPlatformPathFromSystem(const char* path);
 
+// ---------------------------------------------------------------------------------------------
+// Files and directories (posix/files.cpp, posix/directories.cpp, posix/find.cpp,
+// posix/volumes.cpp). Paths are in the library's Windows form; failures set the last error.
+
+HANDLE CreateFileA(LPCSTR fileName, DWORD access, DWORD shareMode, LPSECURITY_ATTRIBUTES security,
+                   DWORD creation, DWORD flagsAndAttributes, HANDLE templateFile);
+HANDLE CreateFileW(LPCWSTR fileName, DWORD access, DWORD shareMode, LPSECURITY_ATTRIBUTES security,
+                   DWORD creation, DWORD flagsAndAttributes, HANDLE templateFile);
+BOOL ReadFile(HANDLE file, LPVOID buffer, DWORD toRead, LPDWORD read, LPOVERLAPPED overlapped);
+BOOL WriteFile(HANDLE file, LPCVOID buffer, DWORD toWrite, LPDWORD written, LPOVERLAPPED overlapped);
+DWORD GetFileSize(HANDLE file, LPDWORD sizeHigh);
+DWORD SetFilePointer(HANDLE file, LONG distance, PLONG distanceHigh, DWORD method);
+BOOL CloseHandle(HANDLE object);
+BOOL LockFile(HANDLE file, DWORD offsetLow, DWORD offsetHigh, DWORD lengthLow, DWORD lengthHigh);
+BOOL UnlockFile(HANDLE file, DWORD offsetLow, DWORD offsetHigh, DWORD lengthLow, DWORD lengthHigh);
+BOOL GetBinaryTypeA(LPCSTR applicationName, LPDWORD binaryType);
+BOOL GetBinaryTypeW(LPCWSTR applicationName, LPDWORD binaryType);
+
+BOOL CreateDirectoryA(LPCSTR path, LPSECURITY_ATTRIBUTES security);
+BOOL CreateDirectoryW(LPCWSTR path, LPSECURITY_ATTRIBUTES security);
+BOOL CreateDirectoryExA(LPCSTR templateDirectory, LPCSTR path, LPSECURITY_ATTRIBUTES security);
+BOOL CreateDirectoryExW(LPCWSTR templateDirectory, LPCWSTR path, LPSECURITY_ATTRIBUTES security);
+BOOL RemoveDirectoryA(LPCSTR path);
+BOOL RemoveDirectoryW(LPCWSTR path);
+BOOL DeleteFileA(LPCSTR fileName);
+BOOL DeleteFileW(LPCWSTR fileName);
+BOOL MoveFileA(LPCSTR existingName, LPCSTR newName);
+BOOL MoveFileW(LPCWSTR existingName, LPCWSTR newName);
+BOOL CopyFileA(LPCSTR existingName, LPCSTR newName, BOOL failIfExists);
+BOOL CopyFileW(LPCWSTR existingName, LPCWSTR newName, BOOL failIfExists);
+DWORD GetFileAttributesA(LPCSTR fileName);
+DWORD GetFileAttributesW(LPCWSTR fileName);
+BOOL GetFileAttributesExA(LPCSTR fileName, GET_FILEEX_INFO_LEVELS level, LPVOID information);
+BOOL GetFileAttributesExW(LPCWSTR fileName, GET_FILEEX_INFO_LEVELS level, LPVOID information);
+BOOL SetFileAttributesA(LPCSTR fileName, DWORD attributes);
+BOOL SetFileAttributesW(LPCWSTR fileName, DWORD attributes);
+DWORD GetCurrentDirectoryA(DWORD size, LPSTR buffer);
+DWORD GetCurrentDirectoryW(DWORD size, LPWSTR buffer);
+BOOL SetCurrentDirectoryA(LPCSTR path);
+BOOL SetCurrentDirectoryW(LPCWSTR path);
+
+// Masks with * and ?, matched without regard to the case of a to z; "." and ".." are found too.
+HANDLE FindFirstFileA(LPCSTR fileName, LPWIN32_FIND_DATAA findData);
+HANDLE FindFirstFileW(LPCWSTR fileName, LPWIN32_FIND_DATAW findData);
+BOOL FindNextFileA(HANDLE find, LPWIN32_FIND_DATAA findData);
+BOOL FindNextFileW(HANDLE find, LPWIN32_FIND_DATAW findData);
+BOOL FindClose(HANDLE find);
+// True when name matches mask by the rules of the searches above.
+bool ZelPlatformMaskMatches(const std::u16string& mask, const std::u16string& name);
+
+UINT GetTempFileNameA(LPCSTR pathName, LPCSTR prefix, UINT unique, LPSTR tempFileName);
+UINT GetTempFileNameW(LPCWSTR pathName, LPCWSTR prefix, UINT unique, LPWSTR tempFileName);
+DWORD GetTempPathA(DWORD size, LPSTR buffer);
+DWORD GetTempPathW(DWORD size, LPWSTR buffer);
+DWORD GetShortPathNameA(LPCSTR longPath, LPSTR shortPath, DWORD size);
+DWORD GetShortPathNameW(LPCWSTR longPath, LPWSTR shortPath, DWORD size);
+DWORD GetLongPathNameA(LPCSTR shortPath, LPSTR longPath, DWORD size);
+DWORD GetLongPathNameW(LPCWSTR shortPath, LPWSTR longPath, DWORD size);
+UINT GetDriveTypeA(LPCSTR rootPath);
+UINT GetDriveTypeW(LPCWSTR rootPath);
+BOOL GetDiskFreeSpaceA(LPCSTR rootPath, LPDWORD sectorsPerCluster, LPDWORD bytesPerSector, LPDWORD freeClusters,
+                       LPDWORD totalClusters);
+BOOL GetDiskFreeSpaceW(LPCWSTR rootPath, LPDWORD sectorsPerCluster, LPDWORD bytesPerSector, LPDWORD freeClusters,
+                       LPDWORD totalClusters);
+BOOL GetDiskFreeSpaceExA(LPCSTR directory, ULARGE_INTEGER* freeToCaller, ULARGE_INTEGER* total,
+                         ULARGE_INTEGER* totalFree);
+BOOL GetDiskFreeSpaceExW(LPCWSTR directory, ULARGE_INTEGER* freeToCaller, ULARGE_INTEGER* total,
+                         ULARGE_INTEGER* totalFree);
+BOOL GetVolumeInformationA(LPCSTR rootPath, LPSTR volumeName, DWORD volumeNameSize, LPDWORD serialNumber,
+                           LPDWORD maxComponentLength, LPDWORD fileSystemFlags, LPSTR fileSystemName,
+                           DWORD fileSystemNameSize);
+BOOL GetVolumeInformationW(LPCWSTR rootPath, LPWSTR volumeName, DWORD volumeNameSize, LPDWORD serialNumber,
+                           LPDWORD maxComponentLength, LPDWORD fileSystemFlags, LPWSTR fileSystemName,
+                           DWORD fileSystemNameSize);
+BOOL GetUserNameA(LPSTR buffer, LPDWORD size);
+BOOL GetUserNameW(LPWSTR buffer, LPDWORD size);
+UINT GetWindowsDirectoryA(LPSTR buffer, UINT size);
+UINT GetWindowsDirectoryW(LPWSTR buffer, UINT size);
+UINT GetSystemDirectoryA(LPSTR buffer, UINT size);
+UINT GetSystemDirectoryW(LPWSTR buffer, UINT size);
+
+// ---------------------------------------------------------------------------------------------
+// The run-time's file calls (posix/runtime_files.cpp), with the Win32 run-time's flag values and
+// records. In a namespace of their own, since fopen, freopen, remove and rename are also the C
+// library's names.
+
+namespace crt {
+
+int _access(const char* path, int mode);
+int _waccess(LPCWSTR path, int mode);
+int _chdir(const char* path);
+int _wchdir(LPCWSTR path);
+int _chmod(const char* path, int mode);
+int _wchmod(LPCWSTR path, int mode);
+int _creat(const char* path, int mode);
+int _wcreat(LPCWSTR path, int mode);
+FILE* fopen(const char* path, const char* mode);
+FILE* _wfopen(LPCWSTR path, LPCWSTR mode);
+FILE* freopen(const char* path, const char* mode, FILE* stream);
+FILE* _wfreopen(LPCWSTR path, LPCWSTR mode, FILE* stream);
+FILE* _fsopen(const char* path, const char* mode, int shareFlag);
+FILE* _wfsopen(LPCWSTR path, LPCWSTR mode, int shareFlag);
+char* _fullpath(char* buffer, const char* path, size_t maxLength);
+LPWSTR _wfullpath(LPWSTR buffer, LPCWSTR path, size_t maxLength);
+char* _getcwd(char* buffer, int maxLength);
+LPWSTR _wgetcwd(LPWSTR buffer, int maxLength);
+int _mkdir(const char* path);
+int _wmkdir(LPCWSTR path);
+int _open(const char* path, int flags, ...);
+int _wopen(LPCWSTR path, int flags, ...);
+int _sopen(const char* path, int flags, int shareFlag, ...);
+int _wsopen(LPCWSTR path, int flags, int shareFlag, ...);
+int remove(const char* path);
+int _wremove(LPCWSTR path);
+int rename(const char* oldPath, const char* newPath);
+int _wrename(LPCWSTR oldPath, LPCWSTR newPath);
+int _rmdir(const char* path);
+int _wrmdir(LPCWSTR path);
+void _searchenv(const char* fileName, const char* variable, char* buffer);
+void _wsearchenv(LPCWSTR fileName, LPCWSTR variable, LPWSTR buffer);
+int _stat(const char* path, struct ::_stat* record);
+int _wstat(LPCWSTR path, struct ::_stat* record);
+int _unlink(const char* path);
+int _wunlink(LPCWSTR path);
+intptr_t _findfirst(const char* mask, struct ::_finddata_t* record);
+int _findnext(intptr_t handle, struct ::_finddata_t* record);
+int _findclose(intptr_t handle);
+// Descriptor calls on what _open gives.
+int _read(int fd, void* buffer, unsigned int count);
+int _write(int fd, const void* buffer, unsigned int count);
+LONG _lseek(int fd, LONG offset, int origin);
+int _close(int fd);
+LONG _filelength(int fd);
+
+// The run-time's arguments of the process, read from the system at first use.
+int ArgumentCount();
+const char* Argument(int index);  // 8-bit, in the ANSI code page; null out of range
+
+}  // namespace crt
+
+// ---------------------------------------------------------------------------------------------
+// Shell (posix/shell*.cpp). Windows, classes and drag and drop have no counterpart: those calls
+// give the Win32 failure result with ERROR_CALL_NOT_IMPLEMENTED.
+
+int SHFileOperationA(LPSHFILEOPSTRUCTA operation);
+int SHFileOperationW(LPSHFILEOPSTRUCTW operation);
+BOOL SHGetSpecialFolderPathA(HWND owner, LPSTR path, int folder, BOOL create);
+BOOL SHGetSpecialFolderPathW(HWND owner, LPWSTR path, int folder, BOOL create);
+HRESULT SHGetKnownFolderPath(REFKNOWNFOLDERID folder, DWORD flags, HANDLE token, PWSTR* path);
+HRESULT SHGetKnownFolderIDList(REFKNOWNFOLDERID folder, DWORD flags, HANDLE token, PIDLIST_ABSOLUTE* list);
+void SHGetSettings(LPSHELLFLAGSTATE state, DWORD mask);
+HINSTANCE ShellExecuteA(HWND owner, LPCSTR operation, LPCSTR file, LPCSTR parameters, LPCSTR directory,
+                        int show);
+HINSTANCE ShellExecuteW(HWND owner, LPCWSTR operation, LPCWSTR file, LPCWSTR parameters, LPCWSTR directory,
+                        int show);
+HRESULT SHGetDesktopFolder(IShellFolder** folder);
+HRESULT SHGetMalloc(IMalloc** allocator);
+BOOL SHGetPathFromIDListA(LPCITEMIDLIST list, LPSTR path);
+BOOL SHGetPathFromIDListW(LPCITEMIDLIST list, LPWSTR path);
+HRESULT SHGetDataFromIDListA(IShellFolder* folder, LPCITEMIDLIST list, int format, void* data, int size);
+HRESULT SHGetDataFromIDListW(IShellFolder* folder, LPCITEMIDLIST list, int format, void* data, int size);
+DWORD_PTR SHGetFileInfoA(LPCSTR path, DWORD attributes, SHFILEINFOA* info, UINT size, UINT flags);
+DWORD_PTR SHGetFileInfoW(LPCWSTR path, DWORD attributes, SHFILEINFOW* info, UINT size, UINT flags);
+void* CoTaskMemAlloc(SIZE_T size);
+void CoTaskMemFree(void* memory);
+HGLOBAL GlobalFree(HGLOBAL memory);
+HLOCAL LocalFree(HLOCAL memory);
+
+HWND FindWindowA(LPCSTR className, LPCSTR windowName);
+HWND FindWindowW(LPCWSTR className, LPCWSTR windowName);
+int GetClassNameA(HWND window, LPSTR className, int size);
+int GetClassNameW(HWND window, LPWSTR className, int size);
+BOOL GetClassInfoA(HINSTANCE instance, LPCSTR className, LPWNDCLASSA windowClass);
+BOOL GetClassInfoExA(HINSTANCE instance, LPCSTR className, LPWNDCLASSEXA windowClass);
+UINT DragQueryFileA(HDROP drop, UINT index, LPSTR file, UINT size);
+UINT DragQueryFileW(HDROP drop, UINT index, LPWSTR file, UINT size);
+
+// ---------------------------------------------------------------------------------------------
+// Time, version, command line and dates (posix/time.cpp, posix/version.cpp,
+// posix/command_line.cpp, posix/date_format.cpp)
+
+void GetSystemTime(LPSYSTEMTIME time);
+void GetLocalTime(LPSYSTEMTIME time);
+void GetSystemTimeAsFileTime(LPFILETIME time);
+BOOL SystemTimeToFileTime(const SYSTEMTIME* systemTime, LPFILETIME fileTime);
+BOOL FileTimeToSystemTime(const FILETIME* fileTime, LPSYSTEMTIME systemTime);
+BOOL FileTimeToLocalFileTime(const FILETIME* fileTime, LPFILETIME localFileTime);
+BOOL FileTimeToDosDateTime(const FILETIME* fileTime, LPWORD dosDate, LPWORD dosTime);
+// Seconds since 1970 and the FILETIME of the same instant.
+FILETIME ZelPlatformFileTimeFromUnix(int64_t seconds, long nanoseconds);
+int64_t ZelPlatformUnixFromFileTime(const FILETIME& time);
+
+// ZEL_OS_VERSION (platform.major.minor) or an NT-family system of no known version.
+BOOL GetVersionExA(LPOSVERSIONINFOA info);
+HANDLE GetCurrentProcess();
+DWORD GetCurrentThreadId();
+BOOL IsWow64Process(HANDLE process, PBOOL wow64);
+
+// The process's arguments quoted into one line, and split again by the Win32 rules. The array
+// of CommandLineToArgvW is one block, released with GlobalFree or LocalFree.
+LPWSTR GetCommandLineW();
+LPSTR GetCommandLineA();
+LPWSTR* CommandLineToArgvW(LPCWSTR commandLine, int* count);
+
+// The user's language decides month and day names and the long forms; pictures as Win32's.
+int GetDateFormatW(LCID locale, DWORD flags, const SYSTEMTIME* date, LPCWSTR format, LPWSTR buffer, int size);
+int GetDateFormatA(LCID locale, DWORD flags, const SYSTEMTIME* date, LPCSTR format, LPSTR buffer, int size);
+int GetTimeFormatW(LCID locale, DWORD flags, const SYSTEMTIME* time, LPCWSTR format, LPWSTR buffer, int size);
+int GetTimeFormatA(LCID locale, DWORD flags, const SYSTEMTIME* time, LPCSTR format, LPSTR buffer, int size);
+
+// ---------------------------------------------------------------------------------------------
+// System modules (posix/system_modules.cpp): LoadLibrary and GetModuleHandle know "kernel32.dll"
+// and "shell32.dll" (any case), whose GetProcAddress gives the platform calls above that the
+// library binds at run time. ZEL_HIDE_CALLS, a list of names separated by commas, hides calls
+// from GetProcAddress, read when it is asked.
+
+HMODULE ZelPlatformSystemModule(const std::u16string& name);  // null when not a system module
+FARPROC ZelPlatformSystemProc(HMODULE module, LPCSTR name);    // null when unknown or hidden
+
 #endif  // ZEL_PLATFORM_WIN32_H
