@@ -110,6 +110,4 @@ int _write(int fd, const void* buffer, unsigned int count) { return {}; }
 LONG _lseek(int fd, LONG offset, int origin) { return {}; }
 int _close(int fd) { return {}; }
 LONG _filelength(int fd) { return {}; }
-int ArgumentCount() { return {}; }
-const char* Argument(int index) { return {}; }
 }  // namespace crt

@@ -54,3 +54,7 @@ int GetTimeFormatW(LCID locale, DWORD flags, const SYSTEMTIME* time, LPCWSTR for
 int GetTimeFormatA(LCID locale, DWORD flags, const SYSTEMTIME* time, LPCSTR format, LPSTR buffer, int size) { return {}; }
 HMODULE ZelPlatformSystemModule(const std::u16string& name) { return {}; }
 FARPROC ZelPlatformSystemProc(HMODULE module, LPCSTR name) { return {}; }
+namespace crt {
+int ArgumentCount() { return {}; }
+const char* Argument(int index) { return {}; }
+}  // namespace crt
