@@ -22,6 +22,11 @@ int RunKana(const Args& args);
 int RunWidth(const Args& args);
 int RunBidi(const Args& args);
 int RunShape(const Args& args);
+int RunPath(const Args& args);
+int RunSys(const Args& args);
+
+// Registers the system's temporary directory as Temp when the path table has none, as a host does.
+void RegisterTempIfMissing();
 
 // Every subcommand, in the order zel --help lists them.
 const std::vector<Command>& Commands();

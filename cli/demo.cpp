@@ -2,6 +2,7 @@
 #include <zel/bidi.h>
 #include <zel/codetables.h>
 #include <zel/frame.h>
+#include <zel/paths.h>
 #include <zel/strings.h>
 
 #include <cstdio>
@@ -149,6 +150,31 @@ void Bidi() {
     printf("  shaped:  %s\n", ToUtf8(shaped.data()).c_str());
 }
 
+void Paths() {
+    printf("\n== Paths with ${Name} macros and temporary names\n");
+    RegisterTempIfMissing();
+    ZelRegisterPath(u"Docs", u"c:\\suite\\docs");
+    const WCHAR* stored = u"${docs}\\2026\\report.ini";
+    WCHAR absolute[MAX_PATH];
+    ZelPathToAbsolute(stored, absolute);
+    WCHAR relative[MAX_PATH];
+    ZelPathToRelative(absolute, relative);
+    printf("  Docs is c:\\suite\\docs: %s -> %s -> %s\n", ToUtf8(stored).c_str(), ToUtf8(absolute).c_str(),
+           ToUtf8(relative).c_str());
+    ZelPathToAbsolute(u"a${Nobody}b and a${Docs", absolute);
+    printf("  an unknown macro vanishes, an open one ends the text: \"%s\"\n", ToUtf8(absolute).c_str());
+    WCHAR name[MAX_PATH];
+    if (ZelPathMakeTempEx(nullptr, u"zel", 0, u"tmp", name))
+        printf("  a free temporary name: %s\n", ToUtf8(name).c_str());
+    WCHAR title[MAX_PATH];
+    ZelGetFileTitle(name, title, MAX_PATH);
+    WCHAR shortened[MAX_PATH] = u"c:\\suite\\docs\\2026\\quarterly\\report.ini";
+    ZelAbbreviateName(shortened, 28, TRUE);
+    printf("  its title: %s; c:\\suite\\docs\\2026\\quarterly\\report.ini in 28 characters: %s\n",
+           ToUtf8(title).c_str(), ToUtf8(shortened).c_str());
+    ZelUnregisterPath(u"Docs");
+}
+
 }  // namespace
 
 int RunDemo(const Args& args) {
@@ -160,5 +186,6 @@ int RunDemo(const Args& args) {
     ModuleFrame();
     Strings();
     Bidi();
+    Paths();
     return 0;
 }

@@ -26,6 +26,8 @@ const std::vector<Command>& Commands() {
         {"width", "exchange half-width and full-width characters", RunWidth},
         {"bidi", "a line of mixed-direction text in display order, with its levels", RunBidi},
         {"shape", "a line with Arabic presentation forms, in display order", RunShape},
+        {"path", "${Name} macros, path transforms and temporary names", RunPath},
+        {"sys", "the system's version, constants, arguments, times and volumes", RunSys},
     };
     return commands;
 }

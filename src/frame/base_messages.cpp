@@ -2,6 +2,7 @@
 // table and the run-time's error texts.
 #include <cstring>
 
+#include <zel/codetables.h>
 #include <zel/frame.h>
 
 #include "frame/error_block.h"
@@ -70,8 +71,9 @@ BOOL FormatFileError(ZelErrorDetail* detail) {
 BOOL FormatRuntimeError(ZelErrorDetail* detail) {
     const char* text = strerror(static_cast<int>(detail->code & ~ZEL_ERROR_RUNTIME_BIT));
     if (!text) return FALSE;
-    ZelAnsiArg wide = ZelPlatformAnsiToWide(text);
-    SetText(detail, wide.get() ? wide.get() : u"");
+    WCHAR wide[ZEL_ERROR_TEXT_SIZE];
+    ZelAnsiToUnicode(0, CP_ACP, text, -1, wide, ZEL_ERROR_TEXT_SIZE, 0);
+    SetText(detail, wide);
     return TRUE;
 }
 

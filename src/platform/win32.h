@@ -367,5 +367,6 @@ int GetTimeFormatA(LCID locale, DWORD flags, const SYSTEMTIME* time, LPCSTR form
 
 HMODULE ZelPlatformSystemModule(const std::u16string& name);  // null when not a system module
 FARPROC ZelPlatformSystemProc(HMODULE module, LPCSTR name);    // null when unknown or hidden
+LPCWSTR ZelPlatformSystemModuleName(HMODULE module);          // "kernel32.dll" ..., or null
 
 #endif  // ZEL_PLATFORM_WIN32_H

@@ -18,7 +18,7 @@ ProgramResult Zel(const std::vector<std::string>& args, const std::string& input
 TEST(Command, HelpListsTheSubcommandsAndEachHasItsOwn) {
     ProgramResult help = Zel({"--help"});
     EXPECT_EQ(help.status, 0);
-    for (const char* name : {"demo", "modules", "utf", "base64", "hex", "kana", "width", "bidi", "shape"}) {
+    for (const char* name : {"demo", "modules", "utf", "base64", "hex", "kana", "width", "bidi", "shape", "path", "sys"}) {
         EXPECT_NE(help.out.find(std::string("  ") + name + " "), std::string::npos) << name;
         ProgramResult own = Zel({name, "--help"});
         EXPECT_EQ(own.status, 0) << name;
@@ -108,6 +108,31 @@ TEST(Command, DemoRunsThroughEveryService) {
                                 "== Bidirectional text and Arabic shaping"})
         EXPECT_NE(demo.out.find(section), std::string::npos) << section;
     EXPECT_NE(demo.out.find("ガギグパ"), std::string::npos);
+}
+
+TEST(Command, PathExpandsCollapsesAndMakesDirectoriesOnADrive) {
+    zeltest::TempDir dir;
+    auto zel = [&](const std::vector<std::string>& args) {
+        return RunProgram(ZEL_TEST_ZEL_PATH, args, {{"ZEL_DRIVE_Q", dir.path()}});
+    };
+    EXPECT_EQ("q:\\data\\a.txt\n", zel({"path", "-D", "Data=q:\\data", "abs", "${DATA}\\a.txt"}).out);
+    EXPECT_EQ("${App}pple\\x\n", zel({"path", "-D", "App=c:\\a", "rel", "c:\\apple\\x"}).out);
+    EXPECT_EQ("0\nTemp=\\t\n", zel({"path", "-D", "Temp=\\t", "register", "TEMP", "\\u"}).out);
+    EXPECT_EQ("c:\\aa\\...\\file.txt\n", zel({"path", "abbrev", "c:\\aa\\bb\\cc\\dd\\file.txt", "20"}).out);
+    ProgramResult made = zel({"path", "create", "q:\\x\\y\\"});
+    EXPECT_EQ(0, made.status) << made.err;
+    EXPECT_EQ("q:\\x\\y\\\n", made.out);
+    EXPECT_EQ(0, zeltest::RunProgram("/bin/test", {"-d", dir.file("x/y")}).status);
+}
+
+TEST(Command, SysTellsVersionConstantsArgumentsAndArithmetic) {
+    ProgramResult version = RunProgram(ZEL_TEST_ZEL_PATH, {"sys", "version"}, {{"ZEL_OS_VERSION", "2.5.1"}});
+    EXPECT_EQ("version 6 Windows_XP\n", version.out);
+    EXPECT_EQ("os 1\nendian L\napplication-bit 4\nwow64 0\n", Zel({"sys", "constants"}).out);
+    ProgramResult args = RunProgram(ZEL_TEST_ZEL_PATH, {"sys", "args", "한글 \"x\""}, {{"ZEL_OS_VERSION", "1.4.0"}, {"ZEL_ACP", "949"}});
+    EXPECT_NE(std::string::npos, args.out.find("arg 3 한글 \"x\"\n")) << args.out;
+    EXPECT_EQ("-3\n", Zel({"sys", "muldiv", "7", "1", "-2"}).out);
+    EXPECT_EQ(2, Zel({"sys", "nonsense"}).status);
 }
 
 }  // namespace

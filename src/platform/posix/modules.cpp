@@ -114,6 +114,7 @@ HMODULE Load(LPCWSTR fileName, DWORD flags) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return nullptr;
     }
+    if (HMODULE system = ZelPlatformSystemModule(fileName)) return system;
     const bool asData =
         (flags & (LOAD_LIBRARY_AS_DATAFILE | LOAD_LIBRARY_AS_DATAFILE_EXCLUSIVE | LOAD_LIBRARY_AS_IMAGE_RESOURCE)) != 0;
     bool found = false;
@@ -216,6 +217,7 @@ BOOL FreeLibrary(HMODULE module) {
         SetLastError(ERROR_INVALID_HANDLE);
         return FALSE;
     }
+    if (ZelPlatformSystemModuleName(module)) return TRUE;
     if (IsDataHandle(module)) {
         std::lock_guard<std::mutex> guard(dataLock);
         DataModule* m = FindData(module);
@@ -237,6 +239,7 @@ BOOL FreeLibrary(HMODULE module) {
 }
 
 FARPROC GetProcAddress(HMODULE module, LPCSTR procName) {
+    if (ZelPlatformSystemModuleName(module)) return ZelPlatformSystemProc(module, procName);
     // Names only: an ordinal (a value below 0x10000 in place of the pointer) has no meaning here.
     if (!procName || reinterpret_cast<uintptr_t>(procName) < 0x10000 || IsDataHandle(module)) {
         SetLastError(ERROR_PROC_NOT_FOUND);
@@ -257,6 +260,13 @@ FARPROC GetProcAddress(HMODULE module, LPCSTR procName) {
 
 DWORD GetModuleFileNameW(HMODULE module, LPWSTR fileName, DWORD size) {
     std::string path;
+    if (LPCWSTR system = ZelPlatformSystemModuleName(module)) {
+        // The system directory's file of that name, as a Win32 caller expects.
+        WCHAR directory[MAX_PATH] = {};
+        UINT length = GetSystemDirectoryW(directory, MAX_PATH);
+        if (length == 0 || length >= MAX_PATH) return 0;
+        return CopyModuleName(std::u16string(directory) + u"\\" + system, fileName, size);
+    }
     if (!module) {
         path = ExecutablePath();
     } else if (struct link_map* map = IsDataHandle(module) ? nullptr : FindLinkMap(module)) {
@@ -277,6 +287,7 @@ DWORD GetModuleFileNameA(HMODULE module, LPSTR fileName, DWORD size) {
 
 HMODULE GetModuleHandleW(LPCWSTR moduleName) {
     if (!moduleName) return reinterpret_cast<HMODULE>(FirstLinkMap());
+    if (HMODULE system = ZelPlatformSystemModule(moduleName)) return system;
     std::string wanted = ZelPlatformPathToSystem(moduleName);
     const bool byPath = wanted.find('/') != std::string::npos;
     if (BaseName(wanted).find('.') == std::string::npos) wanted += ".so";
