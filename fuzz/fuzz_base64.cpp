@@ -8,11 +8,10 @@
 
 #include <zel/strings.h>
 
-namespace {
+#include "fuzz_check.h"
+#include "strings/wstr.h"
 
-void Check(bool condition) {
-    if (!condition) std::abort();
-}
+namespace {
 
 // Characters of the encoded form of n bytes, without the terminator.
 size_t EncodedLength(size_t n) { return (n + 2) / 3 * 4 + n / 54; }

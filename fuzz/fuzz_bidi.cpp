@@ -14,11 +14,9 @@
 
 #include <zel/bidi.h>
 
-namespace {
+#include "fuzz_check.h"
 
-void Check(bool condition) {
-    if (!condition) std::abort();
-}
+namespace {
 
 // Characters of every class and the ones with a rule of their own. A unit of input picks one of
 // them when its first byte is below 0x40, else it gives a character of U+0000 to U+3FFF or

@@ -10,13 +10,11 @@
 
 #include "platform/win32.h"
 
+#include "fuzz_check.h"
+
 namespace {
 
 constexpr UINT kCodePages[] = {CP_UTF8, 949, 932, 936, 950, 1361, 1252, 437, 54936, 20127, 1200, 12001, CP_UTF7};
-
-void Check(bool condition) {
-    if (!condition) std::abort();
-}
 
 std::u16string ToWide(UINT codePage, DWORD flags, const char* bytes, int length) {
     int size = MultiByteToWideChar(codePage, flags, bytes, length, nullptr, 0);

@@ -8,24 +8,17 @@
 
 #include <zel/strings.h>
 
+#include "fuzz_check.h"
+#include "strings/wstr.h"
+
 namespace {
-
-void Check(bool condition) {
-    if (!condition) std::abort();
-}
-
-size_t Length(const WCHAR* s) {
-    size_t n = 0;
-    while (s[n]) ++n;
-    return n;
-}
 
 void Units(const uint8_t* data, size_t size) {
     const size_t count = size / 2;
     auto text = std::make_unique<WCHAR[]>(count + 1);
     std::memcpy(text.get(), data, count * 2);
     text[count] = 0;
-    const size_t n = Length(text.get());
+    const size_t n = wcslen(text.get());
 
     auto out = std::make_unique<WCHAR[]>(n + 1);
     const int result = ZelHexChrToUniStr(text.get(), out.get());

@@ -9,21 +9,14 @@
 
 #include <zel/paths.h>
 
+#include "fuzz_check.h"
+#include "strings/wstr.h"
+
 namespace {
 
 constexpr size_t kPath = 260;
 constexpr size_t kCanary = 64;
 constexpr WCHAR kCanaryUnit = 0xA5A5;
-
-void Check(bool condition) {
-    if (!condition) std::abort();
-}
-
-size_t Length(const WCHAR* s) {
-    size_t n = 0;
-    while (s[n]) ++n;
-    return n;
-}
 
 // A path buffer with its canary behind it, on the heap so that the sanitizer sees its end too.
 class GuardedPath {
@@ -73,11 +66,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     relative.Verify();
 
     // The abbreviation works in place and never lengthens the text.
-    const size_t length = Length(text.get());
+    const size_t length = wcslen(text.get());
     auto shortened = std::make_unique<WCHAR[]>(length + 1);
     std::memcpy(shortened.get(), text.get(), (length + 1) * sizeof(WCHAR));
     ZelAbbreviateName(shortened.get(), maximum, keepTitle);
-    const size_t shortLength = Length(shortened.get());
+    const size_t shortLength = wcslen(shortened.get());
     Check(shortLength <= length);
     if (length > 0 && maximum >= 0 && shortLength > static_cast<size_t>(maximum))
         Check(keepTitle);  // only a kept title may stay too long

@@ -7,6 +7,7 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <iterator>
 
 #include "frame/attach_steps.h"
 #include "strings/wstr.h"

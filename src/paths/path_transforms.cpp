@@ -4,7 +4,6 @@
 #include <zel/strings.h>
 
 #include <cstring>
-#include <iterator>
 
 #include "strings/wstr.h"
 

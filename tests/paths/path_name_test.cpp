@@ -29,12 +29,12 @@ TEST(PathName, SetPathAndSetPartsKeepThePartsInStep) {
 }
 
 TEST(PathName, DirectoryKeepsItsSeparatorWithinTheBuffer) {
-    CZelPathName p(u"c:\\dir\\name.txt");
-    WCHAR buffer[8] = u"#######";
+    const CZelPathName p(u"c:\\dir\\name.txt");
+    WCHAR buffer[8];
     p.GetDirectory(buffer, 8);
     EXPECT_EQ(std::u16string(u"c:\\dir\\"), buffer);
     p.GetDirectory(buffer, 4);
     EXPECT_EQ(std::u16string(u"c:\\"), buffer);
     p.GetDirectory(buffer, 0);
-    EXPECT_EQ(std::u16string(u"c:\\"), buffer);
+    EXPECT_EQ(std::u16string(u"c:\\"), buffer);  // a size of 0 writes nothing
 }

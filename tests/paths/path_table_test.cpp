@@ -37,12 +37,6 @@ struct ScopedPath {
     BOOL hadOld, added;
 };
 
-std::u16string CurrentDirectory() {
-    WCHAR out[MAX_PATH] = {};
-    ZelGetCurrentDirectory(MAX_PATH, out);
-    return out;
-}
-
 }  // namespace
 
 TEST(PathTable, RegistersANameOnceAndRefusesWhatARowCannotHold) {
@@ -106,10 +100,14 @@ TEST(PathTable, ModulePathsUseTheModulesDirectory) {
     EXPECT_FALSE(ZelRegisterModulePath(nullptr, nullptr));
 
     // Loading makes the module's directory current only for the length of the load.
-    const std::u16string before = CurrentDirectory();
+    auto currentDirectory = [] {
+        WCHAR out[MAX_PATH] = {};
+        return ZelGetCurrentDirectory(MAX_PATH, out) ? std::u16string(out) : u"";
+    };
+    const std::u16string before = currentDirectory();
     HMODULE module = ZelLoadLibraryModulePath(ZelPlatformPathFromSystem(ZEL_TEST_LIBRARY_PATH).c_str());
     EXPECT_NE(nullptr, module);
     if (module) FreeLibrary(module);
     EXPECT_EQ(nullptr, ZelLoadLibraryModulePath(u"\\no\\such\\module.so"));
-    EXPECT_EQ(before, CurrentDirectory());
+    EXPECT_EQ(before, currentDirectory());
 }

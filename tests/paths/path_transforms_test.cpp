@@ -80,10 +80,10 @@ TEST(PathTransform, NameTests) {
     for (const WCHAR* bad : {u"", u"a\\b", u"a/b", u"c:", u"<", u">", u"a?", u"*", u"|", u"\"q\""})
         EXPECT_FALSE(ZelPathIsValidDirName(bad)) << ZelPlatformWideToUtf8(bad);
     EXPECT_TRUE(ZelPathIsValidDirName(u"dir name.d"));
-    for (const WCHAR* reserved : {u"con", u"PRN", u"Aux", u"clock$", u"NUL", u"com1", u"COM9", u"lpt5"})
-        EXPECT_TRUE(ZelPathIsReservedFileName(reserved)) << ZelPlatformWideToUtf8(reserved);
-    for (const WCHAR* plain : {u"", u"LPT0", u"COM10", u"con.txt", u"CLOCK"})
-        EXPECT_FALSE(ZelPathIsReservedFileName(plain)) << ZelPlatformWideToUtf8(plain);
+    for (const WCHAR* name : {u"con", u"PRN", u"Aux", u"clock$", u"NUL", u"com1", u"COM9", u"lpt5"})
+        EXPECT_TRUE(ZelPathIsReservedFileName(name)) << ZelPlatformWideToUtf8(name);
+    for (const WCHAR* name : {u"", u"LPT0", u"COM10", u"con.txt", u"CLOCK"})
+        EXPECT_FALSE(ZelPathIsReservedFileName(name)) << ZelPlatformWideToUtf8(name);
 }
 
 TEST(PathTransform, CreateMakesEveryMissingDirectoryButTheFileName) {

@@ -117,17 +117,4 @@ TEST(Time, LocalFileTimeFollowsTheZoneOfTheProcess) {
     tzset();
 }
 
-TEST(Time, TheClockReadsAlikeInEachForm) {
-    FILETIME before{}, after{};
-    SYSTEMTIME now{};
-    GetSystemTimeAsFileTime(&before);
-    GetSystemTime(&now);
-    GetSystemTimeAsFileTime(&after);
-    FILETIME fromFields{};
-    ASSERT_TRUE(SystemTimeToFileTime(&now, &fromFields));
-    EXPECT_LE(Ticks(before) / 10000, Ticks(fromFields) / 10000);
-    EXPECT_LE(Ticks(fromFields), Ticks(after));
-    EXPECT_GE(now.wYear, 2024);
-}
-
 }  // namespace

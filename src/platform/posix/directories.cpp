@@ -40,9 +40,11 @@ bool WriteAll(int fd, const char* bytes, size_t count) {
     return true;
 }
 
+}  // namespace
+
 // Copies a file's bytes, permissions and times, as Windows copies attributes and the write time.
 // The target is made anew unless it may be replaced; on failure no partial target stays behind.
-BOOL CopyRegularFile(const std::string& from, const std::string& to, bool failIfExists) {
+BOOL ZelCopyRegularFile(const std::string& from, const std::string& to, bool failIfExists) {
     int source = open(from.c_str(), O_RDONLY | O_CLOEXEC);
     if (source < 0) return Fail(from);
     struct stat sourceStatus, targetStatus;
@@ -99,8 +101,6 @@ BOOL CopyRegularFile(const std::string& from, const std::string& to, bool failIf
     }
     return TRUE;
 }
-
-}  // namespace
 
 BOOL CreateDirectoryW(LPCWSTR path, LPSECURITY_ATTRIBUTES /*security*/) {
     std::string directory;
@@ -177,7 +177,7 @@ BOOL MoveFileW(LPCWSTR existingName, LPCWSTR newName) {
         SetLastError(ERROR_NOT_SAME_DEVICE);
         return FALSE;
     }
-    if (!CopyRegularFile(from, to, true)) return FALSE;
+    if (!ZelCopyRegularFile(from, to, true)) return FALSE;
     if (unlink(from.c_str()) != 0) {
         int error = errno;
         unlink(to.c_str());
@@ -194,7 +194,7 @@ BOOL MoveFileA(LPCSTR existingName, LPCSTR newName) {
 BOOL CopyFileW(LPCWSTR existingName, LPCWSTR newName, BOOL failIfExists) {
     std::string from, to;
     if (!SystemPath(existingName, from) || !SystemPath(newName, to)) return FALSE;
-    return CopyRegularFile(from, to, failIfExists != FALSE);
+    return ZelCopyRegularFile(from, to, failIfExists != FALSE);
 }
 
 BOOL CopyFileA(LPCSTR existingName, LPCSTR newName, BOOL failIfExists) {

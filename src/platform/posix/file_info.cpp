@@ -1,6 +1,7 @@
 // A file's status in Win32 terms, path errors and the string results of the file calls.
 #include "platform/posix/file_info.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 
@@ -59,3 +60,10 @@ DWORD Give(const std::basic_string<Char>& text, Char* buffer, DWORD size) {
 
 DWORD ZelGiveText(const std::u16string& text, LPWSTR buffer, DWORD size) { return Give(text, buffer, size); }
 DWORD ZelGiveText(const std::string& text, LPSTR buffer, DWORD size) { return Give(text, buffer, size); }
+
+void ZelFindDataToAnsi(const WIN32_FIND_DATAW& wide, WIN32_FIND_DATAA& narrow) {
+    std::memset(&narrow, 0, sizeof narrow);
+    ZelCopyFileRecordHead(wide, narrow);
+    std::string name = ZelPlatformWideToAnsi(wide.cFileName);
+    std::memcpy(narrow.cFileName, name.data(), std::min(name.size(), size_t{MAX_PATH - 1}));
+}

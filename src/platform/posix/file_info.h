@@ -19,6 +19,25 @@ struct ZelFileInfo {
     uint64_t size = 0;
 };
 
+// Copies the attributes, times and size words that the Win32 file records share (find data,
+// attribute data) from one record to another.
+template <typename From, typename To>
+void ZelCopyFileRecordHead(const From& from, To& to) {
+    to.dwFileAttributes = from.dwFileAttributes;
+    to.ftCreationTime = from.ftCreationTime;
+    to.ftLastAccessTime = from.ftLastAccessTime;
+    to.ftLastWriteTime = from.ftLastWriteTime;
+    to.nFileSizeHigh = from.nFileSizeHigh;
+    to.nFileSizeLow = from.nFileSizeLow;
+}
+
+// Copies a file's bytes, permissions and times to a new or replaced target (refused when it
+// exists and failIfExists is set); on failure the last error is set and no partial target stays.
+BOOL ZelCopyRegularFile(const std::string& from, const std::string& to, bool failIfExists);
+
+// The 8-bit form of a find record: the name in the ANSI code page, cut to MAX_PATH - 1 bytes.
+void ZelFindDataToAnsi(const WIN32_FIND_DATAW& wide, WIN32_FIND_DATAA& narrow);
+
 // The last component of a system path ("" for "/").
 std::string ZelFileBaseName(const std::string& systemPath);
 

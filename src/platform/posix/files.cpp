@@ -145,20 +145,32 @@ HANDLE CreateFileA(LPCSTR fileName, DWORD access, DWORD shareMode, LPSECURITY_AT
                        flagsAndAttributes, templateFile);
 }
 
-BOOL ReadFile(HANDLE file, LPVOID buffer, DWORD toRead, LPDWORD read, LPOVERLAPPED overlapped) {
-    if (read) *read = 0;
+namespace {
+
+// What ReadFile and WriteFile check first: the handle, the buffer, and with an OVERLAPPED record
+// the offset, at which a handle of this kind reads or writes and to which it moves. The
+// descriptor, or -1 with the last error set.
+int StartTransfer(HANDLE file, const void* buffer, DWORD count, LPDWORD done, LPOVERLAPPED overlapped) {
+    if (done) *done = 0;
     int fd = DescriptorOf(file);
-    if (fd < 0) return FALSE;
-    if (!buffer && toRead) {
+    if (fd < 0) return -1;
+    if (!buffer && count) {
         SetLastError(ERROR_INVALID_PARAMETER);
-        return FALSE;
+        return -1;
     }
-    // With an OVERLAPPED record a handle of this kind reads at its offset and moves there.
     if (overlapped && lseek(fd, static_cast<off_t>((uint64_t{overlapped->OffsetHigh} << 32) | overlapped->Offset),
                             SEEK_SET) < 0) {
         ZelPlatformSetLastErrorFromErrno();
-        return FALSE;
+        return -1;
     }
+    return fd;
+}
+
+}  // namespace
+
+BOOL ReadFile(HANDLE file, LPVOID buffer, DWORD toRead, LPDWORD read, LPOVERLAPPED overlapped) {
+    int fd = StartTransfer(file, buffer, toRead, read, overlapped);
+    if (fd < 0) return FALSE;
     DWORD done = 0;
     while (done < toRead) {
         ssize_t n = ::read(fd, static_cast<char*>(buffer) + done, toRead - done);
@@ -176,18 +188,8 @@ BOOL ReadFile(HANDLE file, LPVOID buffer, DWORD toRead, LPDWORD read, LPOVERLAPP
 }
 
 BOOL WriteFile(HANDLE file, LPCVOID buffer, DWORD toWrite, LPDWORD written, LPOVERLAPPED overlapped) {
-    if (written) *written = 0;
-    int fd = DescriptorOf(file);
+    int fd = StartTransfer(file, buffer, toWrite, written, overlapped);
     if (fd < 0) return FALSE;
-    if (!buffer && toWrite) {
-        SetLastError(ERROR_INVALID_PARAMETER);
-        return FALSE;
-    }
-    if (overlapped && lseek(fd, static_cast<off_t>((uint64_t{overlapped->OffsetHigh} << 32) | overlapped->Offset),
-                            SEEK_SET) < 0) {
-        ZelPlatformSetLastErrorFromErrno();
-        return FALSE;
-    }
     DWORD done = 0;
     while (done < toWrite) {
         ssize_t n = ::write(fd, static_cast<const char*>(buffer) + done, toWrite - done);

@@ -79,18 +79,6 @@ bool ListedBefore(const std::string& a, const std::string& b) {
                                         [&](char x, char y) { return upper(x) < upper(y); });
 }
 
-void CopyFoundToAnsi(const WIN32_FIND_DATAW& wide, WIN32_FIND_DATAA& narrow) {
-    std::memset(&narrow, 0, sizeof narrow);
-    narrow.dwFileAttributes = wide.dwFileAttributes;
-    narrow.ftCreationTime = wide.ftCreationTime;
-    narrow.ftLastAccessTime = wide.ftLastAccessTime;
-    narrow.ftLastWriteTime = wide.ftLastWriteTime;
-    narrow.nFileSizeHigh = wide.nFileSizeHigh;
-    narrow.nFileSizeLow = wide.nFileSizeLow;
-    std::string name = ZelPlatformWideToAnsi(wide.cFileName);
-    std::memcpy(narrow.cFileName, name.data(), std::min(name.size(), size_t{MAX_PATH - 1}));
-}
-
 }  // namespace
 
 bool ZelPlatformMaskMatches(const std::u16string& mask, const std::u16string& name) {
@@ -151,7 +139,7 @@ HANDLE FindFirstFileA(LPCSTR fileName, LPWIN32_FIND_DATAA findData) {
     }
     WIN32_FIND_DATAW wide;
     HANDLE handle = FindFirstFileW(ZelPlatformAnsiToWide(fileName).get(), &wide);
-    if (handle != INVALID_HANDLE_VALUE) CopyFoundToAnsi(wide, *findData);
+    if (handle != INVALID_HANDLE_VALUE) ZelFindDataToAnsi(wide, *findData);
     return handle;
 }
 
@@ -178,7 +166,7 @@ BOOL FindNextFileA(HANDLE find, LPWIN32_FIND_DATAA findData) {
     }
     WIN32_FIND_DATAW wide;
     if (!FindNextFileW(find, &wide)) return FALSE;
-    CopyFoundToAnsi(wide, *findData);
+    ZelFindDataToAnsi(wide, *findData);
     return TRUE;
 }
 

@@ -157,48 +157,40 @@ int _wmkdir(LPCWSTR path) {
 int _mkdir(const char* path) { return _wmkdir(ZelPlatformAnsiToWide(path).get()); }
 
 // The permission argument is there only when _O_CREAT asks for it, as in the run-time.
+static int OptionalPermission(int flags, va_list* arguments) {
+    return (flags & _O_CREAT) ? va_arg(*arguments, int) : (_S_IREAD | _S_IWRITE);
+}
+
 int _wopen(LPCWSTR path, int flags, ...) {
-    int permission = _S_IREAD | _S_IWRITE;
-    if (flags & _O_CREAT) {
-        va_list arguments;
-        va_start(arguments, flags);
-        permission = va_arg(arguments, int);
-        va_end(arguments);
-    }
+    va_list arguments;
+    va_start(arguments, flags);
+    int permission = OptionalPermission(flags, &arguments);
+    va_end(arguments);
     return OpenWide(path, flags, permission);
 }
 
 int _open(const char* path, int flags, ...) {
-    int permission = _S_IREAD | _S_IWRITE;
-    if (flags & _O_CREAT) {
-        va_list arguments;
-        va_start(arguments, flags);
-        permission = va_arg(arguments, int);
-        va_end(arguments);
-    }
+    va_list arguments;
+    va_start(arguments, flags);
+    int permission = OptionalPermission(flags, &arguments);
+    va_end(arguments);
     return _wopen(ZelPlatformAnsiToWide(path).get(), flags, permission);
 }
 
 // Share flags are accepted and not enforced, as for CreateFile.
 int _wsopen(LPCWSTR path, int flags, int shareFlag, ...) {
-    int permission = _S_IREAD | _S_IWRITE;
-    if (flags & _O_CREAT) {
-        va_list arguments;
-        va_start(arguments, shareFlag);
-        permission = va_arg(arguments, int);
-        va_end(arguments);
-    }
+    va_list arguments;
+    va_start(arguments, shareFlag);
+    int permission = OptionalPermission(flags, &arguments);
+    va_end(arguments);
     return OpenWide(path, flags, permission);
 }
 
 int _sopen(const char* path, int flags, int shareFlag, ...) {
-    int permission = _S_IREAD | _S_IWRITE;
-    if (flags & _O_CREAT) {
-        va_list arguments;
-        va_start(arguments, shareFlag);
-        permission = va_arg(arguments, int);
-        va_end(arguments);
-    }
+    va_list arguments;
+    va_start(arguments, shareFlag);
+    int permission = OptionalPermission(flags, &arguments);
+    va_end(arguments);
     return _wsopen(ZelPlatformAnsiToWide(path).get(), flags, shareFlag, permission);
 }
 

@@ -13,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/posix/file_info.h"
 #include "platform/win32.h"
 
 namespace {
@@ -84,37 +85,6 @@ DWORD WalkTree(const std::string& path, const std::string& relative,
     return visit(path, relative, status, Visit::DirectoryAfter);
 }
 
-DWORD CopyFileContents(const std::string& from, const std::string& to, mode_t mode) {
-    const int in = open(from.c_str(), O_RDONLY | O_CLOEXEC);
-    if (in < 0) return LastError();
-    const int out = open(to.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, mode & 07777);
-    if (out < 0) {
-        const DWORD error = LastError();
-        close(in);
-        return error;
-    }
-    char buffer[65536];
-    DWORD error = 0;
-    for (;;) {
-        const ssize_t got = read(in, buffer, sizeof buffer);
-        if (got < 0 && errno == EINTR) continue;
-        if (got <= 0) {
-            if (got < 0) error = LastError();
-            break;
-        }
-        for (ssize_t done = 0; done < got && !error;) {
-            const ssize_t put = write(out, buffer + done, static_cast<size_t>(got - done));
-            if (put < 0 && errno == EINTR) continue;
-            if (put <= 0) error = put < 0 ? LastError() : ERROR_WRITE_FAULT;
-            else done += put;
-        }
-        if (error) break;
-    }
-    close(in);
-    if (close(out) != 0 && !error) error = LastError();
-    return error;
-}
-
 DWORD CopyTree(const std::string& from, const std::string& to) {
     return WalkTree(from, "", [&](const std::string& path, const std::string& relative, const struct stat& status,
                                   Visit visit) -> DWORD {
@@ -133,7 +103,7 @@ DWORD CopyTree(const std::string& from, const std::string& to) {
                     unlink(target.c_str());
                     return symlink(link.c_str(), target.c_str()) == 0 ? 0 : LastError();
                 }
-                return CopyFileContents(path, target, status.st_mode);
+                return ZelCopyRegularFile(path, target, false) ? 0 : GetLastError();
         }
         return 0;
     });

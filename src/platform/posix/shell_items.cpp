@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "platform/posix/shell_item_list.h"
+#include "platform/posix/file_info.h"
 #include "platform/win32.h"
 #include "strings/wstr.h"
 
@@ -184,12 +185,7 @@ HRESULT SHGetDataFromIDListW(IShellFolder*, LPCITEMIDLIST list, int format, void
     WIN32_FILE_ATTRIBUTE_DATA attributes{};
     if (!GetFileAttributesExW(path.c_str(), GetFileExInfoStandard, &attributes)) return kFileNotFound;
     WIN32_FIND_DATAW found{};
-    found.dwFileAttributes = attributes.dwFileAttributes;
-    found.ftCreationTime = attributes.ftCreationTime;
-    found.ftLastAccessTime = attributes.ftLastAccessTime;
-    found.ftLastWriteTime = attributes.ftLastWriteTime;
-    found.nFileSizeHigh = attributes.nFileSizeHigh;
-    found.nFileSizeLow = attributes.nFileSizeLow;
+    ZelCopyFileRecordHead(attributes, found);
     const size_t slash = path.find_last_of(u"\\/");
     const std::u16string title = slash == std::u16string::npos ? path : path.substr(slash + 1);
     wcsncpy(found.cFileName, title.c_str(), MAX_PATH - 1);
@@ -203,15 +199,8 @@ HRESULT SHGetDataFromIDListA(IShellFolder* folder, LPCITEMIDLIST list, int forma
     WIN32_FIND_DATAW wide{};
     const HRESULT result = SHGetDataFromIDListW(folder, list, format, &wide, sizeof wide);
     if (FAILED(result)) return result;
-    WIN32_FIND_DATAA found{};
-    found.dwFileAttributes = wide.dwFileAttributes;
-    found.ftCreationTime = wide.ftCreationTime;
-    found.ftLastAccessTime = wide.ftLastAccessTime;
-    found.ftLastWriteTime = wide.ftLastWriteTime;
-    found.nFileSizeHigh = wide.nFileSizeHigh;
-    found.nFileSizeLow = wide.nFileSizeLow;
-    const std::string name = ZelPlatformWideToAnsi(wide.cFileName);
-    strncpy(found.cFileName, name.c_str(), MAX_PATH - 1);
+    WIN32_FIND_DATAA found;
+    ZelFindDataToAnsi(wide, found);
     memcpy(data, &found, sizeof found);
     return S_OK;
 }
