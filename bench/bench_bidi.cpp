@@ -15,6 +15,8 @@
 #include <string>
 #include <vector>
 
+#include "ratio_reporter.h"
+
 namespace {
 
 const int kLengths[] = {16, 64, 256, 1024, 4096};
@@ -91,36 +93,20 @@ void IcuBidi(benchmark::State& state, const std::u16string& line, bool shape) {
     ubidi_close(bidi);
 }
 
-// Keeps each run's time per iteration, by name, for the table at the end.
-class RatioReporter : public benchmark::ConsoleReporter {
-public:
-    void ReportRuns(const std::vector<Run>& runs) override {
-        for (const auto& run : runs)
-            if (run.run_type == Run::RT_Iteration) times_[run.benchmark_name()] = run.GetAdjustedRealTime();
-        ConsoleReporter::ReportRuns(runs);
+// Bidi and shaping against both peers at each line length, and ours in ns per unit.
+void PrintRatios(const RatioReporter& reporter) {
+    printf("\nOur time / peer's time (below 1: ours is faster); ours in ns per unit\n");
+    printf("%8s %14s %14s %14s %14s %12s %12s\n", "length", "bidi/FriBidi", "bidi/ICU", "shape/FriBidi",
+           "shape/ICU", "bidi ns/u", "shape ns/u");
+    for (int length : kLengths) {
+        const std::string n = "/" + std::to_string(length);
+        const double bidi = reporter.Time("BidiString" + n), shape = reporter.Time("ShapeString" + n);
+        const double fribidi = reporter.Time("fribidi_log2vis" + n), icu = reporter.Time("ICU ubidi" + n),
+                     icuShape = reporter.Time("ICU u_shapeArabic+ubidi" + n);
+        printf("%8d %14.3f %14.3f %14.3f %14.3f %12.2f %12.2f\n", length, bidi / fribidi, bidi / icu,
+               shape / fribidi, shape / icuShape, bidi / length, shape / length);
     }
-
-    void PrintRatios() const {
-        printf("\nOur time / peer's time (below 1: ours is faster); ours in ns per unit\n");
-        printf("%8s %14s %14s %14s %14s %12s %12s\n", "length", "bidi/FriBidi", "bidi/ICU", "shape/FriBidi",
-               "shape/ICU", "bidi ns/u", "shape ns/u");
-        for (int length : kLengths) {
-            const std::string n = "/" + std::to_string(length);
-            const double bidi = Time("BidiString" + n), shape = Time("ShapeString" + n);
-            const double fribidi = Time("fribidi_log2vis" + n), icu = Time("ICU ubidi" + n),
-                         icuShape = Time("ICU u_shapeArabic+ubidi" + n);
-            printf("%8d %14.3f %14.3f %14.3f %14.3f %12.2f %12.2f\n", length, bidi / fribidi, bidi / icu,
-                   shape / fribidi, shape / icuShape, bidi / length, shape / length);
-        }
-    }
-
-private:
-    double Time(const std::string& name) const {
-        auto found = times_.find(name);
-        return found == times_.end() ? 0 : found->second;
-    }
-    std::map<std::string, double> times_;
-};
+}
 
 }  // namespace
 
@@ -139,7 +125,7 @@ int main(int argc, char** argv) {
     }
     RatioReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
-    reporter.PrintRatios();
+    PrintRatios(reporter);
     benchmark::Shutdown();
     return 0;
 }

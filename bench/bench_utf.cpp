@@ -17,21 +17,13 @@
 #include <string>
 #include <vector>
 
+#include "bench_random.h"
+#include "ratio_reporter.h"
+
 namespace {
 
 // ---------------------------------------------------------------------------------------------
 // The text
-
-class Random {
-public:
-    uint32_t Next(uint32_t bound) {
-        state_ = state_ * 6364136223846793005ull + 1442695040888963407ull;
-        return uint32_t((state_ >> 33) % bound);
-    }
-
-private:
-    uint64_t state_ = 0x5A17C0DEull;
-};
 
 void AsciiWord(Random& random, std::u32string& text) {
     const uint32_t length = 2 + random.Next(8);
@@ -57,7 +49,7 @@ void JapaneseWord(Random& random, std::u32string& text) {
 
 // Sentences: 45 in 100 Korean, 35 Japanese, 20 English; an ASCII word now and then in the others.
 std::u32string GenerateText(size_t characters) {
-    Random random;
+    Random random(0x5A17C0DEull);
     std::u32string text;
     text.reserve(characters + 256);
     while (text.size() < characters) {
@@ -204,44 +196,6 @@ void Register(const std::string& conversion, const std::vector<From>& in, size_t
     }
 }
 
-// Prints as the console reporter does, and keeps each benchmark's best time for the ratios (the
-// median where only aggregates are reported).
-class RatioReporter : public benchmark::ConsoleReporter {
-public:
-    void ReportRuns(const std::vector<Run>& runs) override {
-        for (const Run& run : runs) {
-            const bool iteration = run.run_type == Run::RT_Iteration;
-            if (run.error_occurred || (!iteration && run.aggregate_name != "median")) continue;
-            const double time = run.GetAdjustedRealTime();
-            const auto [at, added] = times_.emplace(run.run_name.str(), time);
-            if (!added && iteration) at->second = std::min(at->second, time);
-        }
-        ConsoleReporter::ReportRuns(runs);
-    }
-
-    void PrintRatios(const std::vector<std::string>& conversions) const {
-        std::printf("\nOur time / peer's time (below 1: ours is faster)\n");
-        std::printf("%-18s %10s %10s\n", "", "iconv", "ICU");
-        for (const std::string& conversion : conversions) {
-            const auto ours = times_.find(conversion + "/ours");
-            if (ours == times_.end()) continue;
-            std::printf("%-18s", conversion.c_str());
-            for (const char* peer : {"iconv", "ICU"}) {
-                const auto theirs = times_.find(conversion + "/" + peer);
-                if (theirs == times_.end()) {
-                    std::printf(" %10s", "-");
-                } else {
-                    std::printf(" %10.3f", ours->second / theirs->second);
-                }
-            }
-            std::printf("\n");
-        }
-    }
-
-private:
-    std::map<std::string, double> times_;
-};
-
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -266,7 +220,7 @@ int main(int argc, char** argv) {
 
     RatioReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
-    reporter.PrintRatios(conversions);
+    reporter.PrintRatios(conversions, {"iconv", "ICU"}, 18);
     benchmark::Shutdown();
     return 0;
 }

@@ -24,9 +24,13 @@ int RunBidi(const Args& args);
 int RunShape(const Args& args);
 int RunPath(const Args& args);
 int RunSys(const Args& args);
+int RunConv(const Args& args);
+int RunCodeTables(const Args& args);
 
-// Registers the system's temporary directory as Temp when the path table has none, as a host does.
+// Register the system's temporary directory as Temp, and the library's directory as Common, when
+// the path table has none, as a host does.
 void RegisterTempIfMissing();
+void RegisterCommonIfMissing();
 
 // Every subcommand, in the order zel --help lists them.
 const std::vector<Command>& Commands();

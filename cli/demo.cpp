@@ -175,6 +175,32 @@ void Paths() {
     ZelUnregisterPath(u"Docs");
 }
 
+void CodePages() {
+    printf("\n== Code pages through the code table files\n");
+    RegisterCommonIfMissing();
+    struct Sample {
+        const char* language;
+        DWORD codePage;
+        const WCHAR* text;
+    };
+    const Sample samples[] = {{"Korean", 949, u"한국어 텍스트"}, {"Japanese", 932, u"日本語のテキスト ｶﾅ"},
+                              {"Chinese", 936, u"中文文本 \U00020000"}};
+    for (const Sample& sample : samples) {
+        char bytes[64];
+        int count = ZelUnicodeToAnsi(0, sample.codePage, sample.text, -1, bytes, sizeof bytes, nullptr);
+        std::string hex;
+        for (int i = 0; i < count; ++i) {
+            char pair[4];
+            snprintf(pair, sizeof pair, "%02X ", static_cast<unsigned char>(bytes[i]));
+            hex += pair;
+        }
+        WCHAR back[64];
+        ZelAnsiToUnicode(0, sample.codePage, bytes, count, back, 64, 0);
+        printf("  %-8s %s in %u: %s-> %s\n", sample.language, ToUtf8(sample.text).c_str(), sample.codePage, hex.c_str(),
+               ToUtf8(back).c_str());
+    }
+}
+
 }  // namespace
 
 int RunDemo(const Args& args) {
@@ -187,5 +213,6 @@ int RunDemo(const Args& args) {
     Strings();
     Bidi();
     Paths();
+    CodePages();
     return 0;
 }

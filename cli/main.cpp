@@ -28,6 +28,8 @@ const std::vector<Command>& Commands() {
         {"shape", "a line with Arabic presentation forms, in display order", RunShape},
         {"path", "${Name} macros, path transforms and temporary names", RunPath},
         {"sys", "the system's version, constants, arguments, times and volumes", RunSys},
+        {"conv", "convert text between code pages and UTF-8", RunConv},
+        {"codetables", "the code table files found and the state of each group", RunCodeTables},
     };
     return commands;
 }

@@ -86,15 +86,6 @@ int Temp(const Args& args) {
 
 }  // namespace
 
-void RegisterTempIfMissing() {
-    if (ZelIsRegisterPath(u"Temp")) return;
-    WCHAR temp[MAX_PATH];
-    DWORD length = ZelGetTempPath(MAX_PATH, temp);
-    if (length == 0 || length >= MAX_PATH) return;
-    ZelRemoveBackSlash(temp);
-    ZelRegisterPath(u"Temp", temp);
-}
-
 int RunPath(const Args& all) {
     if (WantsHelp(all)) return Usage(0);
     Args args;

@@ -5,14 +5,29 @@
 #include <zel/wintypes.h>
 
 // ---------------------------------------------------------------------------------------------
+// Code table files
+//
+// The mappings between Unicode, KChar and the double-byte code pages live in code table files in
+// ${Common}\Code. Each group of tables is read at its first use; these give a group's state:
+// 0 not tried, 1 being read or failed (not tried again), 2 ready.
+
+// Reads the main group (KChar, sort index, variants) unless it was tried, and gives its state.
+ZEL_API int LoadUnicodeTbl();
+// Frees every ready group and sets it back to not tried; failed groups stay failed.
+ZEL_API void UnloadUnicodeTbl();
+// Reads the Yi and plane 15 table unless it was tried, and gives its state.
+ZEL_API int LoadUniYi2UniSurrogatePuaTbl();
+
+// ---------------------------------------------------------------------------------------------
 // Code page front end
 //
 // Code page 0 is the system's ANSI code page, 1 its OEM code page. A length of -1 reads up to the
 // terminator; a size counts the whole output buffer, terminator included. The result is the
 // number of units written without the terminator, except that a conversion by the system with a
 // length of -1 counts the terminator too. A size below 2 writes only a terminator and gives 0.
-// Characters without a mapping become U+FFFD toward Unicode and the default character or '?'
-// toward a code page. The flags argument is not read.
+// Characters without a mapping become U+FFFD toward Unicode; toward a code page they become '?'
+// through the tables of 949, 1361, 932, 936, 950 and 9566, and the default character or '?' by
+// the system. The flags argument is not read.
 
 ZEL_API int ZelAnsiToUnicode(DWORD flags, DWORD codePage, const char* text, int length, WCHAR* buffer, int size,
                              int ignored);

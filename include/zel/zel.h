@@ -9,5 +9,6 @@
 #include <zel/codetables.h>
 #include <zel/bidi.h>
 #include <zel/paths.h>
+#include <zel/streams.h>
 
 #endif  // ZEL_ZEL_H

@@ -1,10 +1,13 @@
 // ZelAnsiToUnicode, ZelUnicodeToAnsi and ZelAnsiToAnsi over the two cores, and their overloads,
-// which go to the system alone.
+// which go to the system alone. The cores take the table path for a ready table code page and
+// hand everything else to the system.
 #include <zel/codetables.h>
 
 #include <vector>
 
+#include "codetables/code_tables.h"
 #include "codetables/codepage_front.h"
+#include "codetables/codepage_table_path.h"
 #include "platform/win32.h"
 
 namespace {
@@ -30,9 +33,20 @@ int ThroughWide(int size, Convert&& convert) {
     return convert(wide.data(), static_cast<int>(units));
 }
 
+// A table code page that is ready gives its tables; every other code page, and one whose table
+// is missing or broken, goes to the system with the code page as the caller gave it.
+const ZelCodePageTables* ReadyTables(UINT codePage) {
+    if (EnsureCodePageTbl(codePage) != kZelTableReady) return nullptr;
+    return ZelCodePageTablesOf(codePage);
+}
+
 }  // namespace
 
 int CodePageToUnicode(UINT codePage, DWORD flags, const char* text, int length, WCHAR* buffer, int size) {
+    if (!buffer || size < 1) return 0;
+    const UINT resolved = ZelResolveCodePage(codePage);
+    if (const ZelCodePageTables* tables = ReadyTables(resolved))
+        return ZelTableToUnicode(resolved, *tables, text, length, buffer, size);
     int count = MultiByteToWideChar(codePage, flags, text, length, buffer, size - 1);
     Terminate(buffer, count, size);
     return count;
@@ -40,6 +54,13 @@ int CodePageToUnicode(UINT codePage, DWORD flags, const char* text, int length, 
 
 int UnicodeToCodePage(UINT codePage, DWORD flags, const WCHAR* text, int length, char* buffer, int size,
                       const char* defaultChar, BOOL* usedDefault) {
+    if (!buffer || size < 1) return 0;
+    const UINT resolved = ZelResolveCodePage(codePage);
+    // The table path knows no default character: an unmapped code point is what its table holds.
+    if (const ZelCodePageTables* tables = ReadyTables(resolved)) {
+        if (usedDefault) *usedDefault = FALSE;
+        return ZelTableFromUnicode(resolved, *tables, text, length, buffer, size);
+    }
     int count = WideCharToMultiByte(codePage, flags, text, length, buffer, length == -1 ? size : size - 1,
                                     defaultChar, usedDefault);
     Terminate(buffer, count, size);

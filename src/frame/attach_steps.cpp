@@ -1,7 +1,5 @@
-// The default paths and the code tables have nothing to set up or release yet: these steps run in
-// their place in attach and detach, and the services that own them will give them their bodies.
+// The default paths have nothing to register yet: this step runs in its place in attach, and the
+// service that owns the defaults will give it its body.
 #include "frame/attach_steps.h"
 
 void ZelRegisterDefaultPaths() {}
-
-void UnloadUnicodeTbl() {}

@@ -2,11 +2,11 @@
 #ifndef ZEL_FRAME_ATTACH_STEPS_H
 #define ZEL_FRAME_ATTACH_STEPS_H
 
+#include <zel/codetables.h>  // UnloadUnicodeTbl: releases the code tables loaded since start
+
 // Enters the default paths into the path table.
 void ZelRegisterDefaultPaths();
 // Frees the path table.
 void ZelFreePathTable();
-// Releases the code tables loaded since start.
-void UnloadUnicodeTbl();
 
 #endif  // ZEL_FRAME_ATTACH_STEPS_H

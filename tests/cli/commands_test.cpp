@@ -18,7 +18,7 @@ ProgramResult Zel(const std::vector<std::string>& args, const std::string& input
 TEST(Command, HelpListsTheSubcommandsAndEachHasItsOwn) {
     ProgramResult help = Zel({"--help"});
     EXPECT_EQ(help.status, 0);
-    for (const char* name : {"demo", "modules", "utf", "base64", "hex", "kana", "width", "bidi", "shape", "path", "sys"}) {
+    for (const char* name : {"demo", "modules", "utf", "base64", "hex", "kana", "width", "bidi", "shape", "path", "sys", "conv", "codetables"}) {
         EXPECT_NE(help.out.find(std::string("  ") + name + " "), std::string::npos) << name;
         ProgramResult own = Zel({name, "--help"});
         EXPECT_EQ(own.status, 0) << name;
@@ -133,6 +133,32 @@ TEST(Command, SysTellsVersionConstantsArgumentsAndArithmetic) {
     EXPECT_NE(std::string::npos, args.out.find("arg 3 한글 \"x\"\n")) << args.out;
     EXPECT_EQ("-3\n", Zel({"sys", "muldiv", "7", "1", "-2"}).out);
     EXPECT_EQ(2, Zel({"sys", "nonsense"}).status);
+}
+
+TEST(Command, ConvRoundTripsEachTableCodePageAndAgreesWithIconv) {
+    struct Sample {
+        const char* codePage;
+        const char* iconvName;
+        std::string text;
+    };
+    const Sample samples[] = {{"949", "CP949", "한국어 텍스트, 똠방각하 ABC\n"},
+                              {"1361", "JOHAB", "한국어 텍스트 ABC\n"},
+                              {"932", "CP932", "日本語のテキスト ｶﾀｶﾅ ABC\n"},
+                              {"936", "CP936", "简体中文文本 ABC\n"},
+                              {"950", "CP950", "繁體中文文本 ABC\n"}};
+    for (const Sample& sample : samples) {
+        ProgramResult ours = Zel({"conv", "-f", "utf-8", "-t", sample.codePage}, sample.text);
+        ASSERT_EQ(ours.status, 0) << ours.err;
+        ProgramResult peer = RunProgram("/usr/bin/iconv", {"-f", "UTF-8", "-t", sample.iconvName}, {}, sample.text);
+        ASSERT_EQ(peer.status, 0) << sample.iconvName;
+        EXPECT_EQ(peer.out, ours.out) << sample.codePage;
+        ProgramResult back = Zel({"conv", "-f", sample.codePage, "-t", "utf-8"}, ours.out);
+        EXPECT_EQ(sample.text, back.out) << sample.codePage;
+    }
+    ProgramResult tables = Zel({"codetables"});
+    EXPECT_NE(tables.out.find("group 949 ready"), std::string::npos) << tables.out;
+    EXPECT_NE(tables.out.find("group 9566 failed or missing"), std::string::npos) << tables.out;
+    EXPECT_EQ(2, Zel({"conv", "-f", "949"}).status);
 }
 
 }  // namespace

@@ -1,0 +1,125 @@
+// zel conv and zel codetables: text between code pages through the code table files, and what
+// of those files the library finds.
+#include <zel/codetables.h>
+#include <zel/paths.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+#include "commands.h"
+#include "input.h"
+#include "text.h"
+
+namespace {
+
+int ConvUsage(int status) {
+    printf("Usage: zel conv -f FROM -t TO [--system] [FILE | -]\n\n"
+           "Converts a file or standard input from one code page to another and writes the result\n"
+           "to standard output. FROM and TO are code page numbers (949, 1361, 932, 936, 950, or any\n"
+           "that the system converts) or utf-8. Code pages with a code table file in the library's\n"
+           "Code directory convert through it; --system takes the system's conversion instead.\n");
+    return status;
+}
+
+int TablesUsage(int status) {
+    printf("Usage: zel codetables\n\n"
+           "The library's Code directory, the code table files in it with their numbers, and the\n"
+           "state of each group after a first use: ready, failed (or missing), not tried.\n");
+    return status;
+}
+
+bool IsUtf8(const std::string& name) { return name == "utf-8" || name == "utf8" || name == "UTF-8"; }
+
+bool ParseCodePage(const std::string& name, DWORD* codePage) {
+    if (IsUtf8(name)) return true;
+    char* end = nullptr;
+    unsigned long value = std::strtoul(name.c_str(), &end, 10);
+    if (name.empty() || *end || value > 0xFFFF) return false;
+    *codePage = static_cast<DWORD>(value);
+    return true;
+}
+
+std::u16string Decode(const std::string& bytes, const std::string& from, DWORD codePage, bool system) {
+    if (IsUtf8(from)) return FromUtf8(bytes);
+    if (bytes.empty()) return {};
+    // A unit per byte at most, the terminator, and the unit the conversion keeps free.
+    std::vector<WCHAR> wide(bytes.size() + 2);
+    const int length = static_cast<int>(bytes.size());
+    const int size = static_cast<int>(wide.size());
+    int count = system ? ZelAnsiToUnicode(0, codePage, bytes.data(), length, wide.data(), size)
+                       : ZelAnsiToUnicode(0, codePage, bytes.data(), length, wide.data(), size, 0);
+    return std::u16string(wide.data(), count > 0 ? static_cast<size_t>(count) : 0);
+}
+
+std::string Encode(const std::u16string& text, const std::string& to, DWORD codePage, bool system) {
+    if (IsUtf8(to)) return ToUtf8(text.c_str());
+    if (text.empty()) return {};
+    // Four bytes a unit at most (the four-byte forms of code page 936), and the terminator.
+    std::vector<char> narrow(text.size() * 4 + 2);
+    const int length = static_cast<int>(text.size());
+    const int size = static_cast<int>(narrow.size());
+    int count = system ? ZelUnicodeToAnsi(0, codePage, text.data(), length, narrow.data(), size)
+                       : ZelUnicodeToAnsi(0, codePage, text.data(), length, narrow.data(), size, nullptr);
+    return std::string(narrow.data(), count > 0 ? static_cast<size_t>(count) : 0);
+}
+
+const char* StateName(int state) { return state == 2 ? "ready" : state == 1 ? "failed or missing" : "not tried"; }
+
+// A code page's table is in use when a conversion counts as the table path does: with a length
+// of -1 the system counts the terminator, the table path does not.
+bool UsesTable(DWORD codePage) {
+    WCHAR wide[4];
+    return ZelAnsiToUnicode(0, codePage, "A", -1, wide, 4, 0) == 1;
+}
+
+}  // namespace
+
+int RunConv(const Args& args) {
+    if (WantsHelp(args)) return ConvUsage(0);
+    std::string from, to, file = "-";
+    bool system = false;
+    for (size_t i = 0; i < args.size(); ++i) {
+        if ((args[i] == "-f" || args[i] == "-t") && i + 1 < args.size()) {
+            std::string& target = args[i] == "-f" ? from : to;
+            target = args[++i];
+        } else if (args[i] == "--system") {
+            system = true;
+        } else {
+            file = args[i];
+        }
+    }
+    DWORD fromPage = 0, toPage = 0;
+    if (from.empty() || to.empty() || !ParseCodePage(from, &fromPage) || !ParseCodePage(to, &toPage))
+        return ConvUsage(2);
+    RegisterCommonIfMissing();
+    auto input = ReadInput(file);
+    if (!input) return 1;
+    const std::string output = Encode(Decode(*input, from, fromPage, system), to, toPage, system);
+    fwrite(output.data(), 1, output.size(), stdout);
+    return 0;
+}
+
+int RunCodeTables(const Args& args) {
+    if (!args.empty()) return TablesUsage(WantsHelp(args) ? 0 : 2);
+    RegisterCommonIfMissing();
+    WCHAR directory[MAX_PATH];
+    ZelPathToAbsolute(u"${Common}\\Code", directory);
+    printf("directory %s\n", ToUtf8(directory).c_str());
+    WCHAR mask[MAX_PATH];
+    ZelPathToAbsolute(u"${Common}\\Code\\u???_*.dat", mask);
+    WIN32_FIND_DATAW found;
+    // The search handle stays open until the process ends: the interface has no call to close it.
+    HANDLE search = ZelFindFirstFileW(mask, &found);
+    for (bool more = search != INVALID_HANDLE_VALUE; more; more = ZelFindNextFileW(search, &found)) {
+        std::string name = ToUtf8(found.cFileName);
+        printf("file %s number %s kind %s\n", name.c_str(), name.substr(1, 3).c_str(),
+               name.substr(5, name.size() > 9 ? name.size() - 9 : 0).c_str());
+    }
+    printf("group main (KChar, sort index, variants) %s\n", StateName(LoadUnicodeTbl()));
+    printf("group zel (Yi and plane 15) %s\n", StateName(LoadUniYi2UniSurrogatePuaTbl()));
+    for (DWORD codePage : {949u, 1361u, 932u, 936u, 950u, 9566u})
+        printf("group %u %s\n", codePage, UsesTable(codePage) ? "ready" : "failed or missing");
+    return 0;
+}

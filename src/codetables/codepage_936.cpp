@@ -1,0 +1,69 @@
+// Four-byte sequences of code page 936: the place L of a code in the sequence of four-byte codes,
+// found through the runs of the basic plane, and the four bytes of a place.
+#include <algorithm>
+
+#include "codetables/codepage_table_path.h"
+#include "codetables/gb_four_byte_runs.h"
+
+namespace {
+
+// V of the first four-byte code, 0x81 0x30 0x81 0x30, and of the first one beyond the basic
+// plane, 0x90 0x30 0x81 0x30.
+constexpr long kFirstFourByteValue = 1687218;
+constexpr long kFirstSupplementaryValue = 1876218;
+// V - this is the code point beyond the basic plane; place L of a code point there is its
+// number + kSupplementaryPlaceOffset.
+constexpr long kSupplementaryBase = 1810682;
+constexpr long kSupplementaryPlaceOffset = 123464;
+
+constexpr long kLastCodePoint = 0x10FFFF;
+
+}  // namespace
+
+int Zel936FourBytesToUnicode(BYTE b1, BYTE b2, BYTE b3, BYTE b4, WCHAR units[2]) {
+    const long value = ((long{b1} * 10 + b2) * 126 + b3) * 10 + b4;
+    if (value >= kFirstSupplementaryValue) {
+        const long codePoint = value - kSupplementaryBase;
+        // Bytes beyond the last plane have nothing to stand for.
+        if (codePoint > kLastCodePoint) {
+            units[0] = 0xFFFD;
+            return 1;
+        }
+        units[0] = WCHAR(0xD800 + ((codePoint - 0x10000) >> 10));
+        units[1] = WCHAR(0xDC00 + (codePoint & 0x3FF));
+        return 2;
+    }
+    // The first run whose running sum passes L; the surrogates' run repeats the sum before it and
+    // so is never the one.
+    const long place = value - kFirstFourByteValue;
+    const DWORD* ends = kZelFourByteRunSums.ends;
+    const DWORD* end = ends + kZelFourByteRunCount;
+    const DWORD* at = place < 0 ? ends : std::upper_bound(ends, end, DWORD(place));
+    if (at == end) {
+        units[0] = kZel936OpenerMarker;
+        return 1;
+    }
+    const long run = at - ends;
+    units[0] = WCHAR(kZelFourByteRuns[run].last - long(*at) + place + 1);
+    return 1;
+}
+
+void Zel936FourBytesOfPlace(DWORD place, BYTE bytes[4]) {
+    bytes[3] = BYTE(place % 10 + 0x30);
+    bytes[2] = BYTE((place / 10) % 126 + 0x81);
+    bytes[1] = BYTE((place / 1260) % 10 + 0x30);
+    bytes[0] = BYTE(place / 12600 + 0x81);
+}
+
+long Zel936FourBytePlaceOf(WCHAR u) {
+    const ZelFourByteRun* runs = kZelFourByteRuns;
+    const ZelFourByteRun* end = runs + kZelFourByteRunCount;
+    const ZelFourByteRun* run =
+        std::lower_bound(runs, end, u, [](const ZelFourByteRun& r, WCHAR value) { return r.last < value; });
+    if (run == end || u < run->first || run->first == kZelSurrogateRunFirst) return -1;
+    const long k = run - runs;
+    const DWORD before = k == 0 ? 0 : kZelFourByteRunSums.ends[k - 1];
+    return long(before) + (u - run->first);
+}
+
+long Zel936SupplementaryPlaceOf(DWORD codePoint) { return long(codePoint) + kSupplementaryPlaceOffset; }

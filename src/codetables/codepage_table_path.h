@@ -1,0 +1,39 @@
+// The table path of the code page front end: the six double-byte code pages read through their
+// tables in memory, one table read a character.
+#ifndef ZEL_CODETABLES_CODEPAGE_TABLE_PATH_H
+#define ZEL_CODETABLES_CODEPAGE_TABLE_PATH_H
+
+#include <zel/wintypes.h>
+
+#include "codetables/code_tables.h"
+
+// Code page 0 is the system's ANSI code page, 1 its OEM code page; any other number stands for
+// itself.
+UINT ZelResolveCodePage(UINT codePage);
+
+// Narrow text (length -1: up to its terminator) to wide text in buffer, at most size - 1 units and
+// a terminator; gives the units written. A size below 1 or a missing buffer writes nothing.
+int ZelTableToUnicode(UINT codePage, const ZelCodePageTables& tables, const char* text, int length,
+                      WCHAR* buffer, int size);
+// Wide text to narrow text in buffer, at most size - 1 bytes and a terminator; gives the bytes
+// written. Unmapped code points give what the table holds for them, the byte 0x3F.
+int ZelTableFromUnicode(UINT codePage, const ZelCodePageTables& tables, const WCHAR* text, int length,
+                        char* buffer, int size);
+
+// ---------------------------------------------------------------------------------------------
+// Four-byte sequences of code page 936
+
+// The units of a four-byte sequence, taken as the bytes stand: one unit of the basic plane or
+// the two halves of a pair. Gives 1 or 2.
+int Zel936FourBytesToUnicode(BYTE b1, BYTE b2, BYTE b3, BYTE b4, WCHAR units[2]);
+
+// The four bytes of place L in the sequence of four-byte codes.
+void Zel936FourBytesOfPlace(DWORD place, BYTE bytes[4]);
+
+// The place of a code point of the basic plane that carries the four-byte marker, counted from 0
+// for U+0080; -1 when it lies before the run that the walk stops at, so that it has no place.
+long Zel936FourBytePlaceOf(WCHAR u);
+// The place of a code point beyond the basic plane.
+long Zel936SupplementaryPlaceOf(DWORD codePoint);
+
+#endif  // ZEL_CODETABLES_CODEPAGE_TABLE_PATH_H

@@ -1,0 +1,54 @@
+// A private ${Common} with code page tables written for the case at hand, and a clean table state
+// before and after it.
+#ifndef ZEL_TESTS_CODETABLES_TABLE_PATH_FIXTURE_H
+#define ZEL_TESTS_CODETABLES_TABLE_PATH_FIXTURE_H
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <zel/paths.h>
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "code_table_writer.h"
+#include "codetables/code_tables.h"
+#include "platform/win32.h"
+#include "support/support.h"
+
+class TablePathFixture : public ::testing::Test {
+protected:
+    void SetUp() override {
+        ::mkdir(dir_.file("Code").c_str(), 0755);
+        ZelResetCodeTablesForTest();
+        WCHAR old[MAX_PATH] = {};
+        ZelPathToAbsolute(u"${Common}", old);
+        oldCommon_ = old;
+        ZelUnregisterPath(u"Common");
+        ASSERT_TRUE(ZelRegisterPath(u"Common", ZelPlatformPathFromSystem(dir_.path().c_str()).c_str()));
+    }
+
+    void TearDown() override {
+        ZelResetCodeTablesForTest();
+        ZelUnregisterPath(u"Common");
+        if (!oldCommon_.empty()) ZelRegisterPath(u"Common", oldCommon_.c_str());
+    }
+
+    // Writes the table of a code page: the codes given, 0xFFFD for all others from the first code
+    // of the page up to 0xFFFF.
+    void WriteTable(UINT codePage, const std::map<unsigned, uint16_t>& codes) {
+        const unsigned first = ZelFirstCodeOf(codePage);
+        ASSERT_NE(0u, first);
+        std::vector<uint16_t> entries(0x10000 - first, 0xFFFD);
+        for (const auto& [code, unit] : codes) entries.at(code - first) = unit;
+        const std::string path = zeltables::FileName(dir_.file("Code"), 320, std::to_string(codePage));
+        ASSERT_TRUE(zeltables::WriteFile(path, zeltables::Header{}, entries.size(), zeltables::Payload16(entries)));
+    }
+
+private:
+    zeltest::TempDir dir_;
+    std::u16string oldCommon_;
+};
+
+#endif  // ZEL_TESTS_CODETABLES_TABLE_PATH_FIXTURE_H
