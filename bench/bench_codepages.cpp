@@ -25,14 +25,10 @@
 #include "platform/win32.h"
 
 #include "bench_random.h"
+#include "bench_tables.h"
 #include "ratio_reporter.h"
 
 namespace {
-
-[[noreturn]] void Fail(const std::string& what) {
-    std::fprintf(stderr, "%s\n", what.c_str());
-    std::exit(1);
-}
 
 // ---------------------------------------------------------------------------------------------
 // The three converters of one code page
@@ -229,17 +225,8 @@ void Register(const std::string& name, const Peers& peers, const std::basic_stri
     }
 }
 
-// The tables of the build lie in lib/Code beside the library; this program sits in bench/.
 void UseTablesOfTheBuild() {
-    char self[4096];
-    const ssize_t n = readlink("/proc/self/exe", self, sizeof self - 1);
-    if (n <= 0) Fail("cannot find this program's directory");
-    std::string root(self, size_t(n));
-    root = root.substr(0, root.rfind('/'));
-    root = root.substr(0, root.rfind('/')) + "/lib";
-    ZelUnregisterPath(u"Common");
-    if (!ZelRegisterPath(u"Common", ZelPlatformPathFromSystem(root.c_str()).c_str()))
-        Fail("cannot register " + root);
+    const std::string root = RegisterTablesOfTheBuild();
     for (UINT page : {949u, 932u, 936u, 950u})
         if (EnsureCodePageTbl(page) != kZelTableReady)
             Fail("no table for code page " + std::to_string(page) + " in " + root + "/Code");

@@ -26,6 +26,10 @@ int RunPath(const Args& args);
 int RunSys(const Args& args);
 int RunConv(const Args& args);
 int RunCodeTables(const Args& args);
+int RunKChar(const Args& args);
+int RunSortKey(const Args& args);
+int RunJamo(const Args& args);
+int RunPua(const Args& args);
 
 // Register the system's temporary directory as Temp, and the library's directory as Common, when
 // the path table has none, as a host does.

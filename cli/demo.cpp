@@ -5,6 +5,7 @@
 #include <zel/paths.h>
 #include <zel/strings.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
@@ -201,6 +202,48 @@ void CodePages() {
     }
 }
 
+std::string Units(const WCHAR* text, int count) {
+    std::string out;
+    for (int i = 0; i < count; ++i) out += (i ? " " : "") + Hex(text[i]);
+    return out;
+}
+
+void OldHangul() {
+    printf("\n== Old Hangul, KChar and sort keys\n");
+    RegisterCommonIfMissing();
+    LoadUnicodeTbl();
+    // ㅎ, arae-a and ㄴ: a syllable of old Hangul.
+    const WCHAR jamo[3] = {u'\u314E', u'\u318D', u'\u3134'};
+    WCHAR syllable[4] = {UniKSJaso2UniHangul(jamo), 0};
+    if (syllable[0] == 0xFFFE)
+        for (int i = 0; i < 3; ++i) syllable[i] = GetMultiCode()[i];
+    int length = 0;
+    while (length < 3 && syllable[length]) ++length;
+    printf("  %s compose to %s, a private-use syllable of old Hangul\n", ToUtf8(std::u16string(jamo, 3).c_str()).c_str(),
+           Units(syllable, length).c_str());
+    const DWORD all = KConvSymbol | KConvHanja | KConvHangul | KConvOldHangul;
+    const std::u16string text = std::u16string(u"한글 ") + syllable + u" 漢字";
+    KChar kchar[32];
+    int count = ZelUnicodeToKChar(all, text.c_str(), -1, kchar, 32, nullptr);
+    std::string units;
+    for (int i = 0; i < count; ++i) units += (i ? " " : "") + Hex(kchar[i]);
+    WCHAR back[32];
+    ZelKCharToUnicode(all, kchar, count, back, 32, nullptr);
+    printf("  \"%s\" (with that syllable) as KChar: %s\n  and back to Unicode: %s\n", ToUtf8(text.c_str()).c_str(),
+           units.c_str(), text == back ? "the same text" : ToUtf8(back).c_str());
+    std::vector<std::u16string> words = {u"하늘", std::u16string(syllable) + u"낫", u"한글", u"가람", u"흙"};
+    std::vector<std::pair<std::vector<DWORD>, std::u16string>> keyed;
+    for (const auto& word : words) {
+        std::vector<DWORD> keys(word.size() + 1);
+        keys.resize(static_cast<size_t>(ZelUnicodeToSortIndex(0, word.c_str(), -1, keys.data(), static_cast<int>(keys.size()))));
+        keyed.emplace_back(keys, word);
+    }
+    std::sort(keyed.begin(), keyed.end());
+    std::string sorted;
+    for (const auto& entry : keyed) sorted += " " + ToUtf8(entry.second.c_str());
+    printf("  sorted by their keys (arae-a after the modern vowels):%s\n", sorted.c_str());
+}
+
 }  // namespace
 
 int RunDemo(const Args& args) {
@@ -214,5 +257,6 @@ int RunDemo(const Args& args) {
     Bidi();
     Paths();
     CodePages();
+    OldHangul();
     return 0;
 }

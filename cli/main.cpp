@@ -30,6 +30,10 @@ const std::vector<Command>& Commands() {
         {"sys", "the system's version, constants, arguments, times and volumes", RunSys},
         {"conv", "convert text between code pages and UTF-8", RunConv},
         {"codetables", "the code table files found and the state of each group", RunCodeTables},
+        {"kchar", "text to KChar units and back", RunKChar},
+        {"sortkey", "the sort keys of Hangul text, and lines sorted by them", RunSortKey},
+        {"jamo", "a Hangul syllable into its Jamo and back", RunJamo},
+        {"pua", "text to and from the plane 15 form of its Yi and private-use characters", RunPua},
     };
     return commands;
 }

@@ -44,6 +44,129 @@ ZEL_API int ZelAnsiToAnsi(DWORD flags, DWORD sourceCodePage, const char* text, i
                           char* buffer, int size);
 
 // ---------------------------------------------------------------------------------------------
+// KChar conversion
+
+// KChar is the suite's internal 16-bit code, a type of its own so that it never mixes with UTF-16
+// text: 0x0000 to 0x37FF general characters (ASCII below 0x80), 0x3800 to 0x3FFF the auxiliary
+// area, 0x4000 to 0x7FFF Hanja, 0x8000 to 0xFFFF Hangul in Johab form (initial in bits 14 to 10,
+// medial in 9 to 5, final in 4 to 0). 0x3441 means no mapping.
+typedef uint16_t KChar;
+
+// Flags of every KChar conversion: what may be converted.
+constexpr DWORD KConvSymbol = 0x00000001;     // general characters; compatibility Jamo toward KChar
+constexpr DWORD KConvHanja = 0x00000100;      // Hanja
+constexpr DWORD KConvChs = 0x00000200;        // language variant of Hanja by the Chs table
+constexpr DWORD KConvJpn = 0x00000400;        // ... by the Jpn table
+constexpr DWORD KConvKor = 0x00000800;        // ... by the Kor table
+constexpr DWORD KConvCht = 0x00001000;        // ... by the Cht table
+constexpr DWORD KConvHangul = 0x00010000;     // modern syllables and Jamo
+constexpr DWORD KConvOldHangul = 0x00020000;  // old Jamo, private-use syllables, multi-code sequences
+
+// One unit each way; the tables must be loaded already. ZelKCharToUnicodeBase gives U+FFFD for no
+// mapping and U+FFFE when the Unicode form is the sequence now in the multi-code buffer;
+// ZelUnicodeToKCharBase gives 0x3441 for no mapping and reads the multi-code buffer for U+FFFE.
+ZEL_API WCHAR ZelKCharToUnicodeBase(KChar h, DWORD flags);
+ZEL_API KChar ZelUnicodeToKCharBase(WCHAR u, DWORD flags);
+
+// Text conversions. A length of -1 reads up to the terminator; a size counts the whole output
+// buffer, terminator included; the result is the number of units written without the terminator.
+// An unmapped character becomes the substitute string when one is given (never for the input
+// 0x3441 or U+FFFD themselves), cut at the end of the output. Without tables, code page 1361
+// stands in and the flags and substitute are not read.
+ZEL_API int ZelKCharToUnicode(DWORD flags, const KChar* text, int length, WCHAR* buffer, int size,
+                              const WCHAR* substitute);
+ZEL_API int ZelUnicodeToKChar(DWORD flags, const WCHAR* text, int length, KChar* buffer, int size,
+                              const KChar* substitute);
+// Through a wide text in between: Unicode to the code page by ZelUnicodeToAnsi, and the code page to
+// Unicode by the front end.
+ZEL_API int ZelKCharToAnsi(DWORD flags, DWORD codePage, const KChar* text, int length, char* buffer, int size,
+                           const char* defaultChar);
+ZEL_API int ZelAnsiToKChar(DWORD flags, DWORD codePage, const char* text, int length, KChar* buffer, int size,
+                           const KChar* substitute);
+
+// The same four with no table at all: KChar is taken as code page 1361 text by the system, and
+// the flags are not read.
+ZEL_API int ZelKCharToUnicode(DWORD flags, const KChar* text, int length, WCHAR* buffer, int size);
+ZEL_API int ZelUnicodeToKChar(DWORD flags, const WCHAR* text, int length, KChar* buffer, int size);
+ZEL_API int ZelKCharToAnsi(DWORD flags, DWORD codePage, const KChar* text, int length, char* buffer, int size);
+ZEL_API int ZelAnsiToKChar(DWORD flags, DWORD codePage, const char* text, int length, KChar* buffer, int size);
+
+// The Unicode of the sequence that the caller put into the multi-code buffer (U+FFFE when it has
+// no single form), composed in multi mode when mode isn't 0; split receives the composition's split
+// flag. Loads the main tables if they were never tried; U+FFFD when they aren't ready.
+ZEL_API WCHAR ZelMultiUnicodeToUniCode(int mode, int* split);
+
+// ---------------------------------------------------------------------------------------------
+// KS and Jaso tables
+
+// Hangul knowledge built into the library. Jamo numberings: the Uni index is the offset in the
+// conjoining block (initial from U+1100 with 0x5F for none, medial from U+1160, final from U+11A7,
+// 0 for none); the SUni index the offset in the private-use Jamo block (initial from U+F784, medial
+// from U+F806, final from U+F86A, 0 for none). Columns: 0 initial, 1 medial, 2 final.
+
+// The 2350 KS X 1001 Hangul syllables as Johab codes, ascending.
+ZEL_API const WORD* ZelGetKSTblPtr();
+// The multi-code buffer (10 units) of the calling thread: private-use initial, medial, final and a
+// zero unit. A U+FFFE result of a Hangul conversion means "the sequence is here".
+ZEL_API WCHAR* GetMultiCode();
+// A position in the KS syllable list (the hit, or the last one looked at for a miss).
+ZEL_API int KsSearch(WORD code);
+// The position in the list of the 42 KS Jamo Johab codes, or -1.
+ZEL_API int JasoSearch(WORD code);
+// 1 for a KS X 1001 syllable's Johab code (and 0xD3C5), else 0.
+ZEL_API int IsInKs(WORD code);
+// Conversions between the numberings; an index without an entry gives the column's "none".
+ZEL_API int SUni2Uni_JamoIndex(int index, int column);
+ZEL_API int Uni2SUni_JamoIndex(int index, int column);
+// Write the three compatibility (KS) or private-use Jamo of a syllable or Jamo and a terminator;
+// give 1 if all three were written, 0 if size cut them short.
+ZEL_API int UniHangul2UniKSJaso(UINT u, WCHAR* buffer, int size);
+ZEL_API int UniHangul2UniPUAJaso(UINT u, WCHAR* buffer, int size);
+// Composes three compatibility Jamo (0 for none): a code point, U+FFFD, or U+FFFE with the
+// sequence in the multi-code buffer.
+ZEL_API WCHAR UniKSJaso2UniHangul(const WCHAR* units);
+
+// ---------------------------------------------------------------------------------------------
+// Sort index
+
+// A sort index is 0x01 in the top byte, then the SUni indexes of initial, medial and final, one
+// byte each (0 for a missing part), so Hangul text sorts by comparing numbers. -1 means the
+// character has no key; 0x01FFFFFF is a private-use character of the Hangul area without Jamo.
+
+// The key of the code point in the low 16 bits of code. Loads nothing; the flags are not read.
+ZEL_API int ZelUnicodeToSortIndexBase(DWORD flags, DWORD code);
+// The character of a key: a code point, U+FFFD for a value that is no key, or U+FFFE when the key
+// needs more than one unit (the units are then in the multi-code buffer). Loads nothing.
+ZEL_API WCHAR ZelSortIndexToUnicodeBase(DWORD flags, DWORD index);
+// The keys of text up to its zero unit (length is not read), at most size - 1 of them, without a
+// terminator. Gives the count, or 0 when size is below 2 or the main tables can't be read.
+ZEL_API int ZelUnicodeToSortIndex(DWORD flags, const WCHAR* text, int length, DWORD* buffer, int size);
+// The characters of keys up to a key 0 (length is not read), at most size - 1 units, without a
+// terminator. Gives the count, or 0 when size is below 2 or the main tables can't be read.
+ZEL_API int ZelSortIndexToUnicode(DWORD flags, const DWORD* indexes, int length, WCHAR* buffer, int size);
+
+// ---------------------------------------------------------------------------------------------
+// Plane 15, private use and Yi
+
+// Characters U+A000 to U+A8FF of the library's text stand outside for the plane 15 code point
+// u + 0xE6000, for the code point of the Yi table (U+A700 to U+A7FF) or for one of four fixed
+// characters (U+A400 to U+A403). A packed pair holds the high surrogate in its upper 16 bits.
+// Without the Yi table everything passes through unchanged.
+
+// The outside form of u: one unit, or a packed pair. Loads nothing.
+ZEL_API DWORD UniYi2UniSurrogatePua(WCHAR u);
+// Writes the outside form of u into output (room units). Gives the units written, 0 to 2; a
+// character of the internal area needs room for 2 even when it comes out as one unit.
+ZEL_API int UniYi2UniSurrogatePuaEx(WCHAR u, WCHAR* output, int room);
+// Writes the internal character of a packed pair into output. Gives 0 or 1; a pair of the Yi
+// ranges that the table doesn't hold counts 1 and leaves output as it was.
+ZEL_API int SurrogatePairToUni(DWORD pair, WCHAR* output, int room);
+// Text to the outside form, and back. Length -1 reads up to the zero unit. The whole output is
+// cleared first, so the text is terminated; gives the units written. The flags are not read.
+ZEL_API int ZelUnicodeToSurrogatePua(DWORD flags, const WCHAR* text, int length, WCHAR* buffer, int size);
+ZEL_API int ZelSurrogatePuaToUnicode(DWORD flags, const WCHAR* text, int length, WCHAR* buffer, int size);
+
+// ---------------------------------------------------------------------------------------------
 // Kana and width conversion
 
 // Class tests. The lists are searched with their terminator, so character 0 counts as found by all
