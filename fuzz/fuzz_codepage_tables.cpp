@@ -24,7 +24,6 @@
 namespace {
 
 constexpr UINT kTableCodePages[] = {949, 1361, 932, 936, 950, 9566};
-constexpr int kCanary = 16;
 
 // Mostly CJK and Hangul, with a share of ASCII, surrogates, U+FFFD and the marker values.
 uint16_t Scrambled(uint32_t code) {
@@ -67,19 +66,6 @@ void WriteTables() {
     Check(ZelRegisterPath(u"Common", ZelPlatformPathFromSystem(pattern).c_str()));
     for (UINT page : kTableCodePages) Check(EnsureCodePageTbl(page) == kZelTableReady);
 }
-
-template <typename Unit>
-struct Output {
-    explicit Output(int size) : units(size_t(size) + kCanary, Unit(0x5A)), size(size) {}
-    void Verify(int count) const {
-        Check(count >= 0 && count <= (size > 0 ? size - 1 : 0));
-        if (size > 0) Check(units[size_t(count)] == 0);
-        for (size_t i = size_t(size); i < units.size(); ++i) Check(units[i] == Unit(0x5A));
-    }
-    Unit* data() { return units.data(); }
-    std::vector<Unit> units;
-    int size;
-};
 
 }  // namespace
 

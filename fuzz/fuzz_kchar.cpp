@@ -26,7 +26,6 @@
 
 namespace {
 
-constexpr int kCanary = 16;
 constexpr int kMultiCodeUnits = 10;
 const char* const kKinds[] = {"gen", "com", "pua", "cjk", "chs", "jpn", "cht", "kor", "u2k", "k2u", "aux"};
 
@@ -132,19 +131,6 @@ void UseTables() {
     Check(ZelRegisterPath(u"Common", ZelPlatformPathFromSystem(common.c_str()).c_str()));
     Check(LoadUnicodeTbl() == kZelTableReady);
 }
-
-template <typename Unit>
-struct Output {
-    explicit Output(int size) : units(size_t(size) + kCanary, Unit(0x5A)), size(size) {}
-    void Verify(int count) const {
-        Check(count >= 0 && count <= (size > 0 ? size - 1 : 0));
-        if (size > 0) Check(units[size_t(count)] == 0);
-        for (size_t i = size_t(size); i < units.size(); ++i) Check(units[i] == Unit(0x5A));
-    }
-    Unit* data() { return units.data(); }
-    std::vector<Unit> units;
-    int size;
-};
 
 void CheckMultiCode() {
     const WCHAR* multi = GetMultiCode();

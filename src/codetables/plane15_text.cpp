@@ -22,14 +22,20 @@ void EnsureYiTable() {
     if (ZelYiPuaTableState() == kZelTableNotTried) LoadUniYi2UniSurrogatePuaTbl();
 }
 
+// What both text calls do first: without room nothing happens; otherwise the Yi table is loaded on
+// first use and the whole output cleared. Gives the count of units to read, or -1 for none.
+int StartText(const WCHAR* text, int length, WCHAR* buffer, int size) {
+    if (size < 2 || !buffer) return -1;
+    EnsureYiTable();
+    std::memset(buffer, 0, static_cast<size_t>(size) * sizeof(WCHAR));
+    return text ? TextLength(text, length) : -1;
+}
+
 }  // namespace
 
 int ZelUnicodeToSurrogatePua(DWORD, const WCHAR* text, int length, WCHAR* buffer, int size) {
-    if (size < 2 || !buffer) return 0;
-    EnsureYiTable();
-    std::memset(buffer, 0, static_cast<size_t>(size) * sizeof(WCHAR));
-    if (!text) return 0;
-    const int count = TextLength(text, length);
+    const int count = StartText(text, length, buffer, size);
+    if (count < 0) return 0;
     int written = 0;
     for (int i = 0; i < count && text[i] != 0 && written < size - 1; ++i) {
         // Room for size - 2 units: one place is always left for the terminator, and a pair needs
@@ -41,11 +47,8 @@ int ZelUnicodeToSurrogatePua(DWORD, const WCHAR* text, int length, WCHAR* buffer
 }
 
 int ZelSurrogatePuaToUnicode(DWORD, const WCHAR* text, int length, WCHAR* buffer, int size) {
-    if (size < 2 || !buffer) return 0;
-    EnsureYiTable();
-    std::memset(buffer, 0, static_cast<size_t>(size) * sizeof(WCHAR));
-    if (!text) return 0;
-    const int count = TextLength(text, length);
+    const int count = StartText(text, length, buffer, size);
+    if (count < 0) return 0;
     int written = 0;
     int i = 0;
     while (i < count && text[i] != 0 && written < size - 1) {

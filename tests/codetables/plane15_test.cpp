@@ -22,23 +22,7 @@ protected:
     void WriteMain() {
         std::vector<uint16_t> pua(25600, 0);
         for (size_t i = 0; i < pua.size(); i += 4) pua[i] = 0x3441;
-        Write16("gen", std::vector<uint16_t>(16384, 0x3441), 16384);
-        Write16("com", std::vector<uint16_t>(3328, 0x3441), 3328);
-        Write16("pua", pua, 6400);
-        Write16("cjk", std::vector<uint16_t>(28416, 0x3441), 28416);
-    }
-    static std::string CodeDirectory() {
-        WCHAR code[MAX_PATH] = {};
-        ZelPathToAbsolute(u"${Common}\\Code", code);
-        return ZelPlatformPathToSystem(code);
-    }
-    void Write16(const std::string& kind, const std::vector<uint16_t>& elements, size_t count) {
-        ASSERT_TRUE(zeltables::WriteFile(zeltables::FileName(CodeDirectory(), 320, kind), {}, count,
-                                         zeltables::Payload16(elements)));
-    }
-    void WriteYi(const std::vector<uint32_t>& entries) {
-        ASSERT_TRUE(zeltables::WriteFile(zeltables::FileName(CodeDirectory(), 320, "zel"), {}, entries.size(),
-                                         zeltables::Payload32(entries)));
+        WriteMainGroup(pua);
     }
     // Main group and a Yi table of 16 entries: U+A700 is U+20000, U+A701 an ideograph of the
     // basic plane, U+A702 the code point U+F0700, and U+A703 and U+A704 share U+20001.
@@ -50,7 +34,7 @@ protected:
         yi[3] = 0x20001;
         yi[4] = 0x20001;
         for (size_t i = 5; i < yi.size(); ++i) yi[i] = 0x20100 + uint32_t(i);
-        WriteYi(yi);
+        Write32("zel", yi);
         ASSERT_EQ(2, LoadUnicodeTbl());
         ASSERT_EQ(2, LoadUniYi2UniSurrogatePuaTbl());
     }
@@ -151,7 +135,7 @@ TEST_F(Plane15Test, TextBothWays) {
 
 TEST_F(Plane15Test, WithoutTheTableTextPassesThrough) {
     WriteMain();
-    WriteYi(std::vector<uint32_t>(256, 0x20000));
+    Write32("zel", std::vector<uint32_t>(256, 0x20000));
     // The first text call comes before the main group: the Yi table fails for good.
     EXPECT_EQ(u"\uA000\uA700", ToPua(u"\uA000\uA700", 8));
     EXPECT_EQ(1, ZelYiPuaTableState());

@@ -42,19 +42,7 @@ protected:
         record(190, kOldInitial, 5, 0);
         for (size_t i = 191; i <= 4095; ++i) record(i, 0x60, 0x30, 0x00);
         for (size_t i = 4352; i <= 5742; ++i) record(i, 0x70, 0x10, 0x00);
-        Write16("gen", std::vector<uint16_t>(16384, 0x3441), 16384);
-        Write16("com", std::vector<uint16_t>(3328, 0x3441), 3328);
-        Write16("pua", pua, 6400);
-        Write16("cjk", std::vector<uint16_t>(28416, 0x3441), 28416);
-    }
-    static std::string CodeDirectory() {
-        WCHAR code[MAX_PATH] = {};
-        ZelPathToAbsolute(u"${Common}\\Code", code);
-        return ZelPlatformPathToSystem(code);
-    }
-    void Write16(const std::string& kind, const std::vector<uint16_t>& elements, size_t count) {
-        ASSERT_TRUE(zeltables::WriteFile(zeltables::FileName(CodeDirectory(), 320, kind), {}, count,
-                                         zeltables::Payload16(elements)));
+        WriteMainGroup(pua);
     }
     void LoadTables() {
         WriteMain();

@@ -42,8 +42,26 @@ protected:
         ASSERT_NE(0u, first);
         std::vector<uint16_t> entries(0x10000 - first, 0xFFFD);
         for (const auto& [code, unit] : codes) entries.at(code - first) = unit;
-        const std::string path = zeltables::FileName(dir_.file("Code"), 320, std::to_string(codePage));
-        ASSERT_TRUE(zeltables::WriteFile(path, zeltables::Header{}, entries.size(), zeltables::Payload16(entries)));
+        Write16(std::to_string(codePage), entries, entries.size());
+    }
+
+    // Writes the file of a kind under number 320, with count in its header.
+    void Write16(const std::string& kind, const std::vector<uint16_t>& elements, size_t count) {
+        ASSERT_TRUE(zeltables::WriteFile(zeltables::FileName(dir_.file("Code"), 320, kind), zeltables::Header{},
+                                         count, zeltables::Payload16(elements)));
+    }
+    void Write32(const std::string& kind, const std::vector<uint32_t>& elements) {
+        ASSERT_TRUE(zeltables::WriteFile(zeltables::FileName(dir_.file("Code"), 320, kind), zeltables::Header{},
+                                         elements.size(), zeltables::Payload32(elements)));
+    }
+
+    // The four files of the main group: no mapping anywhere, and the "pua" records given (6400
+    // records of four units).
+    void WriteMainGroup(const std::vector<uint16_t>& pua) {
+        Write16("gen", std::vector<uint16_t>(16384, 0x3441), 16384);
+        Write16("com", std::vector<uint16_t>(3328, 0x3441), 3328);
+        Write16("pua", pua, 6400);
+        Write16("cjk", std::vector<uint16_t>(28416, 0x3441), 28416);
     }
 
 private:
