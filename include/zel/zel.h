@@ -10,5 +10,6 @@
 #include <zel/bidi.h>
 #include <zel/paths.h>
 #include <zel/streams.h>
+#include <zel/settings.h>
 
 #endif  // ZEL_ZEL_H

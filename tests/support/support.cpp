@@ -151,4 +151,9 @@ void WriteFile(const std::string& path, const std::string& bytes) {
     out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
 }
 
+ProgramResult RunTestsInNewProcess(const std::string& filter,
+                                   const std::map<std::string, std::optional<std::string>>& env) {
+    return RunProgram("/proc/self/exe", {"--gtest_filter=" + filter}, env);
+}
+
 }  // namespace zeltest

@@ -53,6 +53,11 @@ ProgramResult RunProgram(const std::string& path, const std::vector<std::string>
                          const std::map<std::string, std::optional<std::string>>& env = {},
                          const std::string& stdinText = {});
 
+// Runs the tests that filter names in a new process of this test program, with the environment
+// changes in force from its start: for settings that the library reads once per process.
+ProgramResult RunTestsInNewProcess(const std::string& filter,
+                                   const std::map<std::string, std::optional<std::string>>& env);
+
 std::string ReadFile(const std::string& path);
 void WriteFile(const std::string& path, const std::string& bytes);
 

@@ -1,0 +1,178 @@
+// CZelRegistry::LoadFromFile: a registry file back into the registry, below the parent of the key
+// named in its header. The target key is cleared first (not wholly: see _DeleteFullSubKey).
+//
+// A file that ends early loads what stands before the end. A text field of more than 259 bytes,
+// or data longer than the rest of the file, is taken as such an end: nothing is read past it, and
+// no block larger than the file is allocated.
+#include <zel/codetables.h>
+#include <zel/frame.h>
+#include <zel/paths.h>
+#include <zel/settings.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <iterator>
+
+#include "settings/registry_adapters.h"
+#include "settings/registry_class_internal.h"
+#include "settings/registry_file_format.h"
+#include "strings/wstr.h"
+
+namespace {
+
+constexpr DWORD kOutOfMemory = 2;
+constexpr DWORD kFirstDataBytes = 256;
+
+// Set by a leaf that _DeleteFullSubKey reached, cleared when its parent deleted it. One per
+// process, so only one load may run at a time.
+int leafReached = 0;
+
+// Where the file being loaded ends, measured when it was opened.
+thread_local long loadEnd = 0;
+
+DWORD BytesLeft(FILE* stream) {
+    const long at = std::ftell(stream);
+    return at < 0 || at >= loadEnd ? 0 : static_cast<DWORD>(loadEnd - at);
+}
+
+// A text field into text, which holds kZelRegNameUnits units.
+bool GetText(FILE* stream, WCHAR* text) {
+    DWORD length = 0;
+    if (!ZelRegFileGetNumber(stream, &length) || length >= kZelRegNameUnits) return false;
+    char ansi[kZelRegNameUnits] = {};
+    if (std::fread(ansi, 1, length, stream) != length) return false;
+    // The conversion wants room for one unit more than the text and its terminator.
+    WCHAR wide[kZelRegNameUnits + 1] = {};
+    ZelAnsiToUnicode(0, 0, ansi, -1, wide, static_cast<int>(std::size(wide)), 0);
+    wide[kZelRegNameUnits - 1] = 0;
+    std::memcpy(text, wide, kZelRegNameUnits * sizeof(WCHAR));
+    return true;
+}
+
+}  // namespace
+
+int CZelRegistry::LoadFromFile(const WCHAR* filePath, HKEY root) {
+    (void)root;  // always the current user's hive
+    WCHAR absolute[MAX_PATH] = {};
+    ZelPathToAbsolute(filePath, absolute);
+    FILE* stream = u__wfopen(absolute, u"rb");
+    if (!stream) return 0;
+    loadEnd = std::fseek(stream, 0, SEEK_END) == 0 ? std::ftell(stream) : 0;
+    std::rewind(stream);
+
+    WCHAR path[kZelRegNameUnits] = {};
+    _LoadKeyName(stream, path);
+    size_t length = wcslen(path);
+    if (length > 0 && path[length - 1] == u'\\') path[--length] = 0;
+    WCHAR* slash = wcsrchr(path, u'\\');
+    if (!slash) {
+        std::fclose(stream);
+        return 0;
+    }
+    *slash = 0;
+    SetRegistryKey(path, HKEY_CURRENT_USER);
+    HKEY parent = GetRegistryKey();
+    _DeleteFullSubKey(slash + 1, parent);
+    _WriteRegFromFile(stream, parent);
+    if (parent) ZelRegCloseKey(parent, useVirtual);
+    std::fclose(stream);
+    return 1;
+}
+
+int CZelRegistry::_LoadKeyName(FILE* stream, WCHAR* path) { return GetText(stream, path); }
+
+int CZelRegistry::__LoadSubKeyAndGetCntValue(FILE* stream, WCHAR* path, DWORD* count) {
+    return GetText(stream, path) && ZelRegFileGetNumber(stream, count);
+}
+
+int CZelRegistry::__LoadKeyValue(FILE* stream, DWORD* capacity, WCHAR* name, DWORD* type, BYTE** data, DWORD* size) {
+    if (!GetText(stream, name) || !ZelRegFileGetNumber(stream, type) || !ZelRegFileGetNumber(stream, size))
+        return 0;
+    if (*size > BytesLeft(stream)) return 0;
+    if (*size > *capacity) {
+        BYTE* grown = static_cast<BYTE*>(std::malloc(*size));
+        if (!grown) {
+            ZelSetError(kOutOfMemory);
+            return 0;
+        }
+        std::free(*data);
+        *data = grown;
+        *capacity = *size;
+    }
+    return std::fread(*data, 1, *size, stream) == *size;
+}
+
+int CZelRegistry::_WriteRegFromFile(FILE* stream, HKEY parent) {
+    DWORD capacity = kFirstDataBytes;
+    BYTE* data = static_cast<BYTE*>(std::malloc(capacity));
+    if (!data) {
+        ZelSetError(kOutOfMemory);
+        return 0;
+    }
+    WCHAR path[kZelRegNameUnits];
+    WCHAR name[kZelRegNameUnits];
+    DWORD count = 0;
+    int result = 1;
+    bool more = true;
+    while (more && __LoadSubKeyAndGetCntValue(stream, path, &count)) {
+        HKEY key = nullptr;
+        if (ZelRegCreateKey(parent, path, &key, useVirtual) != ERROR_SUCCESS) {
+            result = 0;
+            break;
+        }
+        // A record that can't be read whole ends the file; a value that the registry refuses is
+        // passed over.
+        for (DWORD n = 0; n < count && more; ++n) {
+            DWORD type = REG_NONE;
+            DWORD size = 0;
+            more = __LoadKeyValue(stream, &capacity, name, &type, &data, &size);
+            if (more) ZelRegSetValueEx(key, name, 0, type, data, size, useVirtual);
+        }
+        ZelRegCloseKey(key, useVirtual);
+    }
+    std::free(data);
+    return result;
+}
+
+// Clears the key name below parent, leaving the key itself. Every leaf below it goes, and the child
+// at index 0 of each level once it is empty; a child at another index that had children loses them
+// and stays, with its values.
+int CZelRegistry::_DeleteFullSubKey(const WCHAR* name, HKEY parent) {
+    if (!parent) return 0;
+    HKEY key = nullptr;
+    if (ZelRegOpenKeyEx(parent, name, 0, kZelKeyReadWrite, &key, useVirtual) != ERROR_SUCCESS) return 0;
+    WCHAR keyClass[MAX_PATH] = {};
+    DWORD classLength = MAX_PATH;
+    DWORD subKeys = 0;
+    DWORD longestName = 0;
+    if (ZelRegQueryInfoKey(key, keyClass, &classLength, nullptr, &subKeys, &longestName, nullptr, nullptr, nullptr,
+                           nullptr, nullptr, nullptr, useVirtual) != ERROR_SUCCESS) {
+        ZelRegCloseKey(key, useVirtual);
+        return 0;
+    }
+    if (subKeys == 0) {
+        leafReached = 1;
+        ZelRegCloseKey(key, useVirtual);
+        return 1;
+    }
+    WCHAR* child = static_cast<WCHAR*>(std::calloc(size_t(longestName) + 1, sizeof(WCHAR)));
+    if (!child) {
+        ZelSetError(kOutOfMemory);
+        ZelRegCloseKey(key, useVirtual);
+        return 0;
+    }
+    // From the last child down, so that a deletion moves none of the children still to come. A
+    // name that can't be had is passed over: an empty one would open this key again.
+    for (DWORD index = subKeys; index-- > 0;) {
+        if (ZelRegEnumKey(key, index, child, longestName + 1, useVirtual) != ERROR_SUCCESS) continue;
+        if (_DeleteFullSubKey(child, key) && leafReached) {
+            ZelRegDeleteKey(key, child, useVirtual);
+            leafReached = 0;
+        }
+    }
+    // The child at index 0 once more: empty by now, unless a child of its own stayed.
+    ZelRegDeleteKey(key, child, useVirtual);
+    std::free(child);
+    ZelRegCloseKey(key, useVirtual);
+    return 1;
+}
