@@ -30,11 +30,11 @@ int RunKChar(const Args& args);
 int RunSortKey(const Args& args);
 int RunJamo(const Args& args);
 int RunPua(const Args& args);
-
-// Register the system's temporary directory as Temp, and the library's directory as Common, when
-// the path table has none, as a host does.
-void RegisterTempIfMissing();
-void RegisterCommonIfMissing();
+int RunReg(const Args& args);
+int RunPaths(const Args& args);
+int RunError(const Args& args);
+int RunLocale(const Args& args);
+int RunDefined(const Args& args);
 
 // Every subcommand, in the order zel --help lists them.
 const std::vector<Command>& Commands();

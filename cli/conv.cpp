@@ -93,7 +93,6 @@ int RunConv(const Args& args) {
     DWORD fromPage = 0, toPage = 0;
     if (from.empty() || to.empty() || !ParseCodePage(from, &fromPage) || !ParseCodePage(to, &toPage))
         return ConvUsage(2);
-    RegisterCommonIfMissing();
     auto input = ReadInput(file);
     if (!input) return 1;
     const std::string output = Encode(Decode(*input, from, fromPage, system), to, toPage, system);
@@ -103,7 +102,6 @@ int RunConv(const Args& args) {
 
 int RunCodeTables(const Args& args) {
     if (!args.empty()) return TablesUsage(WantsHelp(args) ? 0 : 2);
-    RegisterCommonIfMissing();
     WCHAR directory[MAX_PATH];
     ZelPathToAbsolute(u"${Common}\\Code", directory);
     printf("directory %s\n", ToUtf8(directory).c_str());

@@ -3,6 +3,7 @@
 #include <zel/codetables.h>
 #include <zel/frame.h>
 #include <zel/paths.h>
+#include <zel/settings.h>
 #include <zel/strings.h>
 
 #include <algorithm>
@@ -151,9 +152,34 @@ void Bidi() {
     printf("  shaped:  %s\n", ToUtf8(shaped.data()).c_str());
 }
 
+// ${Temp} may name a directory that a fresh installation hasn't made yet.
+void EnsureTempDirectory() {
+    WCHAR temp[MAX_PATH];
+    ZelPathToAbsolute(u"${Temp}\\", temp);
+    if (!ZelExistDir(temp)) ZelPathCreate(temp);
+}
+
+void DefaultPaths() {
+    printf("\n== Default paths and the user's language\n");
+    for (const WCHAR* name : {u"App", u"Common", u"Zel", u"SharedData", u"Temp", u"UserData", u"AllUserData",
+                              u"SysExt", u"ResExt", u"DsoExt"}) {
+        WCHAR value[MAX_PATH];
+        ZelPathToAbsolute((std::u16string(u"${") + name + u"}").c_str(), value);
+        printf("  %-12s %s\n", ToUtf8(name).c_str(), ToUtf8(value).c_str());
+    }
+    ZelErrorDetail detail;
+    ZelSetError(ZEL_ERROR_OUT_OF_MEMORY);
+    detail.text[0] = 0;
+    ZelGetErrorDetail(&detail);
+    ZelClearError();
+    WCHAR extension[MAX_PATH] = {};
+    ZelGetResourceExt(0xFFFF, extension);
+    printf("  language %s, error 2 reads: %s\n", ToUtf8(extension).c_str(), ToUtf8(detail.text).c_str());
+}
+
 void Paths() {
     printf("\n== Paths with ${Name} macros and temporary names\n");
-    RegisterTempIfMissing();
+    EnsureTempDirectory();
     ZelRegisterPath(u"Docs", u"c:\\suite\\docs");
     const WCHAR* stored = u"${docs}\\2026\\report.ini";
     WCHAR absolute[MAX_PATH];
@@ -178,7 +204,6 @@ void Paths() {
 
 void CodePages() {
     printf("\n== Code pages through the code table files\n");
-    RegisterCommonIfMissing();
     struct Sample {
         const char* language;
         DWORD codePage;
@@ -210,7 +235,6 @@ std::string Units(const WCHAR* text, int count) {
 
 void OldHangul() {
     printf("\n== Old Hangul, KChar and sort keys\n");
-    RegisterCommonIfMissing();
     LoadUnicodeTbl();
     // ㅎ, arae-a and ㄴ: a syllable of old Hangul.
     const WCHAR jamo[3] = {u'\u314E', u'\u318D', u'\u3134'};
@@ -244,6 +268,65 @@ void OldHangul() {
     printf("  sorted by their keys (arae-a after the modern vowels):%s\n", sorted.c_str());
 }
 
+// Prints a key of the in-memory registry with everything below it.
+void ShowTree(HKEY parent, const std::u16string& name, int depth) {
+    HKEY key = nullptr;
+    if (ZelRegOpenKey(parent, name.c_str(), &key, 1) != 0) return;
+    printf("  %*s%s\n", 2 * depth, "", ToUtf8(name.c_str()).c_str());
+    for (DWORD index = 0;; ++index) {
+        WCHAR valueName[MAX_PATH];
+        DWORD capacity = MAX_PATH, type = 0, size = 0;
+        if (ZelRegEnumValue(key, index, valueName, &capacity, nullptr, &type, nullptr, nullptr, 1) != 0) break;
+        ZelRegQueryValueEx(key, valueName, nullptr, nullptr, nullptr, &size, 1);
+        std::vector<BYTE> data(size);
+        ZelRegQueryValueEx(key, valueName, nullptr, nullptr, data.data(), &size, 1);
+        std::string shown;
+        if (type == REG_SZ) {
+            WCHAR text[MAX_PATH];
+            ZelAnsiToUnicode(0, 0, reinterpret_cast<const char*>(data.data()), -1, text, MAX_PATH, 0);
+            shown = "\"" + ToUtf8(text) + "\"";
+        } else if (type == REG_DWORD && size == 4) {
+            shown = std::to_string(data[0] | data[1] << 8 | data[2] << 16 | data[3] << 24);
+        } else {
+            for (BYTE byte : data) {
+                char pair[4];
+                snprintf(pair, sizeof pair, "%02x ", byte);
+                shown += pair;
+            }
+        }
+        printf("  %*s  %s = %s\n", 2 * depth, "", ToUtf8(valueName).c_str(), shown.c_str());
+    }
+    WCHAR child[MAX_PATH];
+    for (DWORD index = 0; ZelRegEnumKey(key, index, child, MAX_PATH, 1) == 0; ++index) ShowTree(key, child, depth + 1);
+}
+
+void Settings() {
+    printf("\n== Settings in the in-memory registry, through a registry file\n");
+    EnsureTempDirectory();
+    CZelRegistry editor(u"Software\\Demo\\Editor", HKEY_CURRENT_USER, 1);
+    editor.WriteStringValue(nullptr, u"Title", u"Quarterly report");
+    editor.WriteDwordValue(u"Window", u"Width", 800);
+    editor.WriteDwordValue(u"Window", u"Height", 600);
+    const BYTE mask[] = {0x5A, 0x00, 0xFF, 0x01};
+    editor.WriteBinaryValue(u"Window\\Toolbar", u"Mask", mask, sizeof mask);
+    WCHAR file[MAX_PATH];
+    if (!ZelPathMakeTempEx(nullptr, u"zel", 0, u"reg", file)) {
+        printf("  no temporary name for the file\n");
+        return;
+    }
+    CZelRegistry mover(1);
+    int saved = mover.SaveToFile(u"Software\\Demo\\Editor", file);
+    printf("  HKCU\\Software\\Demo\\Editor saved to %s: %s\n", ToUtf8(file).c_str(), saved ? "done" : "failed");
+    CZelRegistry demo(u"Software\\Demo", HKEY_CURRENT_USER, 1);
+    demo.DeleteSubKey(u"Editor");
+    printf("  deleted from the registry; Editor is %s\n", demo.ExistKey(u"Editor") ? "still there" : "gone");
+    int loaded = mover.LoadFromFile(file);
+    printf("  loaded back from the file: %s\n", loaded ? "done" : "failed");
+    HKEY software = nullptr;
+    if (ZelRegOpenKey(HKEY_CURRENT_USER, u"Software\\Demo", &software, 1) == 0) ShowTree(software, u"Editor", 0);
+    ZelDeleteFile(file);
+}
+
 }  // namespace
 
 int RunDemo(const Args& args) {
@@ -255,8 +338,10 @@ int RunDemo(const Args& args) {
     ModuleFrame();
     Strings();
     Bidi();
+    DefaultPaths();
     Paths();
     CodePages();
     OldHangul();
+    Settings();
     return 0;
 }

@@ -112,7 +112,6 @@ int RunJamo(const Args& args) {
     if (codes) ++first;
     auto input = LineArgument(args, first);
     if (!input) return 1;
-    RegisterCommonIfMissing();  // old Hangul syllables need the code tables
     LoadUnicodeTbl();
     const std::u16string text = FromUtf8(*input);
     const std::u16string result = mode == "join" ? Join(text) : Split(text, mode == "pua");

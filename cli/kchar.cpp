@@ -117,6 +117,5 @@ int RunKChar(const Args& args) {
         if (!ParseFlags(args[2], &flags)) return 2;
         first = 3;
     }
-    RegisterCommonIfMissing();
     return args[0] == "to" ? ToKChar(flags, args, first) : FromKChar(flags, args, first);
 }

@@ -34,6 +34,11 @@ const std::vector<Command>& Commands() {
         {"sortkey", "the sort keys of Hangul text, and lines sorted by them", RunSortKey},
         {"jamo", "a Hangul syllable into its Jamo and back", RunJamo},
         {"pua", "text to and from the plane 15 form of its Yi and private-use characters", RunPua},
+        {"reg", "keys and values of the system registry, and registry files", RunReg},
+        {"paths", "the registered paths, in table order", RunPaths},
+        {"error", "the text of an error code in the user's language", RunError},
+        {"locale", "the user's language, code page, resource extensions and layout direction", RunLocale},
+        {"defined", "whether a symbol is defined for this installation (1 or 0)", RunDefined},
     };
     return commands;
 }

@@ -25,9 +25,9 @@ int Usage(int status) {
            "temp [PREFIX [EXT [SUBDIR]]]  a free temporary name below ${Temp} (no file is made)\n"
            "temp --file PREFIX     a temporary file made below ${Temp}\n"
            "temp --image SOURCE    a free name for an image copy of SOURCE\n\n"
-           "-D registers a path before the action. Temp is registered from the system's\n"
-           "temporary directory when the table has no Temp. Paths are in the Windows form\n"
-           "(backslashes, optional drive x:); ZEL_DRIVE_X names the directory of drive x:.\n");
+           "-D registers a path before the action, in place of a default of that name\n"
+           "(zel paths lists the defaults). Paths are in the Windows form (backslashes,\n"
+           "optional drive x:); ZEL_DRIVE_X names the directory of drive x:.\n");
     return status;
 }
 
@@ -96,12 +96,13 @@ int RunPath(const Args& all) {
         }
         size_t equals = i + 1 < all.size() ? all[i + 1].find('=') : std::string::npos;
         if (equals == std::string::npos) return Usage(2);
-        if (!Register(all[i + 1].substr(0, equals), all[i + 1].substr(equals + 1)))
+        const std::string name = all[i + 1].substr(0, equals);
+        ZelUnregisterPath(FromUtf8(name).c_str());
+        if (!Register(name, all[i + 1].substr(equals + 1)))
             fprintf(stderr, "zel path: %s was not registered\n", all[i + 1].c_str());
         ++i;
     }
     if (args.empty()) return Usage(2);
-    RegisterTempIfMissing();
     const std::string& action = args[0];
     if (action == "list" && args.size() == 1) return List(), 0;
     if (action == "temp") return Temp(args);

@@ -36,7 +36,6 @@ int RunPua(const Args& args) {
     auto input = LineArgument(args, first);
     if (!input) return 1;
 
-    RegisterCommonIfMissing();
     // The Yi table becomes ready only after the main group.
     LoadUnicodeTbl();
     if (LoadUniYi2UniSurrogatePuaTbl() != 2) fprintf(stderr, "zel pua: no Yi table; the text passes through\n");

@@ -27,7 +27,6 @@ int SortKeyUsage(int status) {
 constexpr DWORD kNoKey = 0xFFFFFFFF;
 
 bool TablesReady() {
-    RegisterCommonIfMissing();
     if (LoadUnicodeTbl() == 2) return true;
     fprintf(stderr, "zel sortkey: the code tables in ${Common}\\Code could not be read\n");
     return false;

@@ -117,4 +117,28 @@ ZEL_API LONG ZelBaseSubModuleFunc(ZelModuleDef* module, LONG subModuleId, LONG r
                                   DWORD reserved);
 ZEL_API BOOL ZelFormatBaseError(ZelErrorDetail* detail);
 
+// Resource files and the user's language. A module m.dll keeps its strings in m.KOR, m.ENU ...
+// beside it; the language is the suite's user setting first and the system's second.
+ZEL_API LCID ZelGetUserLCID();
+ZEL_API UINT ZelGetUserCP();  // 0 while no code page is set
+// name holds a base name or is empty on entry (260 characters), and the full name on success. On
+// failure the calling thread's error is 9 with the module's file name.
+ZEL_API BOOL ZelGetResourcePath(HMODULE module, WCHAR* name);
+// The extension for a language, or with 0xFFFF for the language of the library's own file.
+ZEL_API void ZelGetResourceExt(LANGID language, WCHAR* extension);
+ZEL_API HMODULE ZelLoadResource(const WCHAR* name);
+ZEL_API BOOL ZelFreeResource(HMODULE resource);
+// String id of the module's string table, cut to size - 1 characters, with /uXXXX escapes decoded:
+// its length, or 0 and an empty buffer when there is none.
+ZEL_API int ZelLoadStringW(HMODULE module, UINT id, WCHAR* buffer, int size);
+// From the record's resource file, else from the module itself.
+ZEL_API int ZelLoadStringExA(ZelModuleDef* module, UINT id, char* buffer, int size);
+ZEL_API int ZelLoadStringExW(ZelModuleDef* module, UINT id, WCHAR* buffer, int size);
+ZEL_API BOOL ZelGetLocaleInfo(LCID locale, LCTYPE type, WCHAR* buffer, int size);
+
+// Symbol defines of the installation, the application and the language; the layout direction of
+// the library's language.
+ZEL_API BOOL ZelIsDefined(const WCHAR* name);
+ZEL_API BOOL ZelLayoutIsR2L();
+
 #endif  // ZEL_FRAME_H

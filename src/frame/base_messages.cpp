@@ -7,7 +7,6 @@
 
 #include "frame/error_block.h"
 #include "frame/own_module.h"
-#include "frame/resources.h"
 #include "platform/win32.h"
 #include "strings/wstr.h"
 

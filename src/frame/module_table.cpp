@@ -3,7 +3,7 @@
 #include <zel/frame.h>
 
 #include "frame/own_module.h"
-#include "frame/resources.h"
+#include "frame/resource_lookup.h"
 #include "platform/win32.h"
 #include "strings/wstr.h"
 
@@ -71,8 +71,7 @@ BOOL ZelInitModule(ZelModuleDef* module) {
 
     bool failed = false;
     int failingRow = -1;
-    if (!(module->flags & ZEL_MODULE_KEEP_RESOURCE) && module->moduleHandle && !module->resourceHandle &&
-        ZelResourceFilesAvailable())
+    if (!(module->flags & ZEL_MODULE_KEEP_RESOURCE) && module->moduleHandle && !module->resourceHandle)
         failed = !LoadModuleResource(module);
     if (!failed && module->subModules) {
         for (int row = 0; module->subModules[row].id != -1; ++row) {

@@ -3,7 +3,6 @@
 #include <cstdlib>
 
 #include "frame/own_module.h"
-#include "frame/resources.h"
 #include "platform/win32.h"
 
 DWORD g_zelThreadSlot = TLS_OUT_OF_INDEXES;

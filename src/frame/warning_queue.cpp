@@ -3,7 +3,6 @@
 #include <cstdlib>
 
 #include "frame/error_block.h"
-#include "frame/resources.h"
 #include "frame/thread_data.h"
 
 namespace {

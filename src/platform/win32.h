@@ -6,6 +6,7 @@
 
 #include <zel/wintypes.h>
 
+#include <cstdarg>
 #include <string>
 
 // ---------------------------------------------------------------------------------------------
@@ -64,11 +65,35 @@ struct ZelDataModule {
 const ZelDataModule* ZelPlatformDataModule(HMODULE module);
 
 // ---------------------------------------------------------------------------------------------
+// Resources (posix/resources.cpp): the resources of a data module, read from its bytes as a
+// resource file (posix/resource_file_layout.h). Names and types are integers (MAKEINTRESOURCE) or
+// "#123". A file that is no resource file fails with ERROR_RESOURCE_DATA_NOT_FOUND and a damaged
+// one with ERROR_BAD_FORMAT; nothing outside the file's bytes is ever read.
+
+HRSRC FindResourceA(HMODULE module, LPCSTR name, LPCSTR type);
+HRSRC FindResourceW(HMODULE module, LPCWSTR name, LPCWSTR type);
+// The address of the resource's bytes inside the module, valid while the module stays loaded.
+HGLOBAL LoadResource(HMODULE module, HRSRC resource);
+LPVOID LockResource(HGLOBAL resource);
+DWORD SizeofResource(HMODULE module, HRSRC resource);
+// String id of the module's string table in the ANSI code page, cut to size - 1 bytes between two
+// characters, with a terminator: the bytes copied, or 0 and an empty buffer when it has none.
+int LoadStringA(HMODULE module, UINT id, LPSTR buffer, int size);
+
+// ---------------------------------------------------------------------------------------------
 // Messages (posix/messages.cpp)
 
 void OutputDebugStringA(LPCSTR text);
 int MessageBoxA(HWND owner, LPCSTR text, LPCSTR caption, UINT style);
 int MessageBoxW(HWND owner, LPCWSTR text, LPCWSTR caption, UINT style);
+
+// The system's message texts (posix/format_message.cpp), in English whatever the language asked
+// for: language 0, a default language or any English one. A code may come as its HRESULT
+// 0x8007xxxx. With FORMAT_MESSAGE_ALLOCATE_BUFFER, buffer receives a block from LocalAlloc, which
+// LocalFree releases.
+DWORD FormatMessageA(DWORD flags, LPCVOID source, DWORD messageId, DWORD languageId, LPSTR buffer, DWORD size,
+                     va_list* arguments);
+HLOCAL LocalAlloc(UINT flags, SIZE_T size);
 
 // ---------------------------------------------------------------------------------------------
 // Locale (posix/locale.cpp)
@@ -77,6 +102,19 @@ LANGID GetUserDefaultLangID();
 LCID GetUserDefaultLCID();
 LANGID GetSystemDefaultLangID();
 LCID GetSystemDefaultLCID();
+
+// Locale information from a table of the system's locales (posix/locale_info.cpp). The default
+// locale values stand for the user's and the system's language.
+int GetLocaleInfoW(LCID locale, LCTYPE type, LPWSTR buffer, int size);
+int GetLocaleInfoA(LCID locale, LCTYPE type, LPSTR buffer, int size);
+
+// ---------------------------------------------------------------------------------------------
+// Version information (posix/version_info.cpp). The library's executables and libraries carry no
+// version resource, and these calls answer as Win32 does for such a file.
+
+DWORD GetFileVersionInfoSizeA(LPCSTR fileName, LPDWORD handle);
+BOOL GetFileVersionInfoA(LPCSTR fileName, DWORD handle, DWORD size, LPVOID data);
+BOOL VerQueryValueA(LPCVOID block, LPCSTR subBlock, LPVOID* value, PUINT length);
 
 // ---------------------------------------------------------------------------------------------
 // Code pages (posix/codepages.cpp)

@@ -3,12 +3,18 @@
 #include <memory>
 #include <vector>
 
+#include <filesystem>
+#include <string>
+
 #include "frame/own_module.h"
-#include "frame/resources.h"
+#include "platform/win32.h"
 #include "support/frame_fixtures.h"
+#include "support/resource_fixtures.h"
 
 using zeltest::BoxCapture;
 using zeltest::LoggedModule;
+using zeltest::ModuleInDir;
+using zeltest::ResourceData;
 
 namespace {
 
@@ -18,48 +24,12 @@ int CountModules() {
     return count;
 }
 
-// Resource operations that the tests steer: which file is found, whether it loads, what is freed.
-struct FakeResources {
-    static inline bool found = true;
-    static inline HMODULE loaded = reinterpret_cast<HMODULE>(0x5000);
-    static inline std::vector<std::u16string> looked;
-    static inline std::vector<HMODULE> freed;
-
-    static BOOL GetPath(HMODULE module, WCHAR* name) {
-        looked.emplace_back(name);
-        if (!found) {
-            ZelSetResourceMissingError(module);
-            return FALSE;
-        }
-        const std::u16string full = u"c:\\suite\\m.KOR";
-        full.copy(name, full.size());
-        name[full.size()] = 0;
-        return TRUE;
-    }
-    static HMODULE Load(const WCHAR*) { return loaded; }
-    static BOOL Free(HMODULE resource) {
-        freed.push_back(resource);
-        return TRUE;
-    }
-    static int NoStringW(HMODULE, UINT, WCHAR* buffer, int) { return buffer[0] = 0; }
-    static int NoStringA(HMODULE, UINT, char* buffer, int) { return buffer[0] = 0; }
-};
-
-class ResourceAccessScope {
-public:
-    ResourceAccessScope() {
-        FakeResources::found = true;
-        FakeResources::loaded = reinterpret_cast<HMODULE>(0x5000);
-        FakeResources::looked.clear();
-        FakeResources::freed.clear();
-        ZelSetResourceAccess(&access_);
-    }
-    ~ResourceAccessScope() { ZelSetResourceAccess(nullptr); }
-
-private:
-    ZelResourceAccess access_{FakeResources::GetPath, FakeResources::Load, FakeResources::Free,
-                              FakeResources::NoStringW, FakeResources::NoStringA};
-};
+// The extension under which this process looks first: the user's language.
+std::string UserExtension() {
+    WCHAR extension[MAX_PATH] = {};
+    ZelGetResourceExt(static_cast<LANGID>(ZelGetUserLCID()), extension);
+    return std::string(extension, extension + 3);
+}
 
 TEST(ModuleTable, OwnRecordIsRegisteredAtStart) {
     ZelModuleDef* own = ZelGetModuleDef(0);
@@ -211,67 +181,77 @@ TEST(ModuleTable, SubModuleLookup) {
 }
 
 TEST(ModuleTable, ResourceFileIsLoadedAndFreedWithTheModule) {
-    ResourceAccessScope scope;
+    ModuleInDir dir;
+    dir.WriteResources("shared." + UserExtension(), {{7, u"from the shared file"}});
     LoggedModule module({1});
-    module.record.moduleHandle = reinterpret_cast<HMODULE>(0x1000);
+    module.record.moduleHandle = dir.handle();
     module.record.resourceName = u"shared";
     ASSERT_TRUE(ZelInitModule(&module.record));
-    EXPECT_EQ(FakeResources::looked, (std::vector<std::u16string>{u"shared"}));
-    EXPECT_EQ(module.record.resourceHandle, FakeResources::loaded);
+    HMODULE resource = module.record.resourceHandle;
+    ASSERT_NE(resource, nullptr);
+    WCHAR text[64];
+    EXPECT_EQ(ZelLoadStringExW(&module.record, 7, text, 64), 20);
+    EXPECT_EQ(std::u16string(text), u"from the shared file");
     ZelExitModule(&module.record);
-    EXPECT_EQ(FakeResources::freed, (std::vector<HMODULE>{FakeResources::loaded}));
     EXPECT_EQ(module.record.resourceHandle, nullptr);
+    EXPECT_EQ(ZelPlatformDataModule(resource), nullptr);  // freed
 }
 
 TEST(ModuleTable, NoResourceLookupWhenTheRecordSaysSo) {
-    ResourceAccessScope scope;
-    FakeResources::found = false;
+    ModuleInDir dir;  // no resource file beside it
+    ResourceData preloaded({{1, u"x"}});
     LoggedModule noHandle({}), keep({}), preset({});
-    keep.record.moduleHandle = reinterpret_cast<HMODULE>(0x1000);
+    keep.record.moduleHandle = dir.handle();
     keep.record.flags = ZEL_MODULE_KEEP_RESOURCE;
-    preset.record.moduleHandle = reinterpret_cast<HMODULE>(0x1000);
-    preset.record.resourceHandle = reinterpret_cast<HMODULE>(0x7000);
+    preset.record.moduleHandle = dir.handle();
+    preset.record.resourceHandle = preloaded.handle();
     EXPECT_TRUE(ZelInitModule(&noHandle.record));
     EXPECT_TRUE(ZelInitModule(&keep.record));
     EXPECT_TRUE(ZelInitModule(&preset.record));
-    EXPECT_TRUE(FakeResources::looked.empty());
+    EXPECT_EQ(preset.record.resourceHandle, preloaded.handle());
     ZelExitModule(&keep.record);
-    EXPECT_TRUE(FakeResources::freed.empty());  // bit 0: never freed by the table
+    ZelExitModule(&noHandle.record);
 }
 
 TEST(ModuleTable, MissingResourceFileFailsWithItsBox) {
-    ResourceAccessScope scope;
+    ModuleInDir dir;
     BoxCapture boxes;
-    FakeResources::found = false;
     LoggedModule module({1});
-    module.record.moduleHandle = reinterpret_cast<HMODULE>(0x1000);
+    module.record.moduleHandle = dir.handle();
     EXPECT_FALSE(ZelInitModule(&module.record));
     EXPECT_TRUE(module.log.empty());  // sub-modules never start
     EXPECT_EQ(ZelGetError(), static_cast<DWORD>(ZEL_ERROR_RESOURCE_MISSING));
     ASSERT_EQ(boxes.boxes.size(), 1u);
-    EXPECT_EQ(boxes.boxes[0].text.rfind(u"Resource file for module\n( ", 0), 0u);
-    EXPECT_NE(boxes.boxes[0].text.find(u" )\nis missing or corrupt."), std::u16string::npos);
+    EXPECT_EQ(boxes.boxes[0].text, u"Resource file for module\n( " + dir.LibraryPath("m.so") + u" )\nis missing or corrupt.");
+    EXPECT_EQ(boxes.boxes[0].caption, u"Initialization Error");
 
-    // A file that is found but does not load fails the same way.
-    FakeResources::found = true;
-    FakeResources::loaded = nullptr;
+    // A name that is found but doesn't load (a directory) fails the same way.
+    std::filesystem::create_directory(dir.SystemPath("m." + UserExtension()));
     LoggedModule unloadable({1});
-    unloadable.record.moduleHandle = reinterpret_cast<HMODULE>(0x1000);
+    unloadable.record.moduleHandle = dir.handle();
     unloadable.record.flags = ZEL_MODULE_NO_FAILURE_BOX;
     ZelClearError();
     EXPECT_FALSE(ZelInitModule(&unloadable.record));
     EXPECT_EQ(ZelGetError(), static_cast<DWORD>(ZEL_ERROR_RESOURCE_MISSING));
+    EXPECT_EQ(boxes.boxes.size(), 1u);
 }
 
 TEST(ModuleTable, RollBackFreesTheResourceFile) {
-    ResourceAccessScope scope;
+    ModuleInDir dir;
+    dir.WriteResources("m." + UserExtension(), {{1, u"x"}});
     LoggedModule module({1, 2});
     module.failStart = {2};
-    module.record.moduleHandle = reinterpret_cast<HMODULE>(0x1000);
+    module.record.moduleHandle = dir.handle();
     module.record.flags = ZEL_MODULE_NO_FAILURE_BOX;
     EXPECT_FALSE(ZelInitModule(&module.record));
-    EXPECT_EQ(FakeResources::freed, (std::vector<HMODULE>{FakeResources::loaded}));
     EXPECT_EQ(module.record.resourceHandle, nullptr);
+}
+
+TEST(ModuleTable, OwnRecordLoadedItsResourceFile) {
+    // The suite's program is the library's own module, with the library's files beside it.
+    ASSERT_NE(g_zelOwnModule.resourceHandle, nullptr);
+    WCHAR text[ZEL_ERROR_TEXT_SIZE];
+    EXPECT_GT(ZelLoadStringW(g_zelOwnModule.resourceHandle, 278, text, ZEL_ERROR_TEXT_SIZE), 0);
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "platform/posix/date_names.h"
+#include "platform/posix/text_result.h"
 #include "platform/win32.h"
 
 namespace {
@@ -137,26 +138,6 @@ std::u16string Render(const char16_t* picture, PictureKind kind, const SYSTEMTIM
     return out;
 }
 
-bool ValidSize(const void* buffer, int size) {
-    if (size < 0 || (size > 0 && !buffer)) {
-        SetLastError(ERROR_INVALID_PARAMETER);
-        return false;
-    }
-    return true;
-}
-
-// Win32's rule for text results: size 0 asks for the size, the terminator counts.
-template <typename Char>
-int Deliver(const std::basic_string<Char>& text, Char* buffer, int size) {
-    const size_t needed = text.size() + 1;
-    if (size == 0) return static_cast<int>(needed);
-    if (static_cast<size_t>(size) < needed) {
-        SetLastError(ERROR_INSUFFICIENT_BUFFER);
-        return 0;
-    }
-    memcpy(buffer, text.c_str(), needed * sizeof(Char));
-    return static_cast<int>(needed);
-}
 
 bool FormatDate(LCID locale, DWORD flags, const SYSTEMTIME* date, LPCWSTR format, std::u16string& out) {
     const DWORD forms = flags & (DATE_SHORTDATE | DATE_LONGDATE);
@@ -201,26 +182,26 @@ bool FormatTime(LCID locale, DWORD flags, const SYSTEMTIME* time, LPCWSTR format
 
 int GetDateFormatW(LCID locale, DWORD flags, const SYSTEMTIME* date, LPCWSTR format, LPWSTR buffer, int size) {
     std::u16string text;
-    if (!ValidSize(buffer, size) || !FormatDate(locale, flags, date, format, text)) return 0;
-    return Deliver(text, buffer, size);
+    if (!ZelValidOutputSize(buffer, size) || !FormatDate(locale, flags, date, format, text)) return 0;
+    return ZelDeliverText(text, buffer, size);
 }
 
 int GetTimeFormatW(LCID locale, DWORD flags, const SYSTEMTIME* time, LPCWSTR format, LPWSTR buffer, int size) {
     std::u16string text;
-    if (!ValidSize(buffer, size) || !FormatTime(locale, flags, time, format, text)) return 0;
-    return Deliver(text, buffer, size);
+    if (!ZelValidOutputSize(buffer, size) || !FormatTime(locale, flags, time, format, text)) return 0;
+    return ZelDeliverText(text, buffer, size);
 }
 
 int GetDateFormatA(LCID locale, DWORD flags, const SYSTEMTIME* date, LPCSTR format, LPSTR buffer, int size) {
     std::u16string text;
-    if (!ValidSize(buffer, size) || !FormatDate(locale, flags, date, ZelPlatformAnsiToWide(format).get(), text))
+    if (!ZelValidOutputSize(buffer, size) || !FormatDate(locale, flags, date, ZelPlatformAnsiToWide(format).get(), text))
         return 0;
-    return Deliver(ZelPlatformWideToAnsi(text.c_str()), buffer, size);
+    return ZelDeliverText(ZelPlatformWideToAnsi(text.c_str()), buffer, size);
 }
 
 int GetTimeFormatA(LCID locale, DWORD flags, const SYSTEMTIME* time, LPCSTR format, LPSTR buffer, int size) {
     std::u16string text;
-    if (!ValidSize(buffer, size) || !FormatTime(locale, flags, time, ZelPlatformAnsiToWide(format).get(), text))
+    if (!ZelValidOutputSize(buffer, size) || !FormatTime(locale, flags, time, ZelPlatformAnsiToWide(format).get(), text))
         return 0;
-    return Deliver(ZelPlatformWideToAnsi(text.c_str()), buffer, size);
+    return ZelDeliverText(ZelPlatformWideToAnsi(text.c_str()), buffer, size);
 }

@@ -1,0 +1,18 @@
+// Locale information as 16-bit text, by the wide-over-ANSI rule of the adapters.
+#include <zel/codetables.h>
+#include <zel/frame.h>
+
+#include "paths/os/ansi_text.h"
+#include "platform/win32.h"
+
+BOOL ZelGetLocaleInfo(LCID locale, LCTYPE type, WCHAR* buffer, int size) {
+    if (!ZelAnsiMode()) return GetLocaleInfoW(locale, type, buffer, size) > 0 ? TRUE : FALSE;
+    // The 8-bit answer has 260 bytes, whatever the caller's size says.
+    char text[MAX_PATH] = {};
+    const int bytes = GetLocaleInfoA(locale, type, text, size < MAX_PATH ? size : MAX_PATH);
+    if (bytes > 0 && buffer && size > 0) {
+        text[MAX_PATH - 1] = 0;
+        ZelAnsiToUnicode(0, CP_ACP, text, -1, buffer, size);
+    }
+    return bytes > 0 ? TRUE : FALSE;
+}
