@@ -31,6 +31,8 @@ int RunSortKey(const Args& args);
 int RunJamo(const Args& args);
 int RunPua(const Args& args);
 int RunReg(const Args& args);
+int RunIni(const Args& args);
+int RunProfile(const Args& args);
 int RunPaths(const Args& args);
 int RunError(const Args& args);
 int RunLocale(const Args& args);

@@ -327,6 +327,47 @@ void Settings() {
     ZelDeleteFile(file);
 }
 
+// Prints every section of an INI store with its entries.
+void ShowIni(CZelIniManager& ini) {
+    for (int section = 0; section < ini.GetSecCount(); ++section) {
+        printf("  %s\n", ToUtf8(ini.GetSectionName(section)).c_str());
+        for (int index = 0; index < ini.GetIdCount(section); ++index)
+            printf("    %s = %s\n", ToUtf8(ini.GetIdStr(section, index)).c_str(),
+                   ToUtf8(ini.GetValueStr(section, index)).c_str());
+    }
+}
+
+void IniFile() {
+    printf("\n== A UTF-16 INI file below ${Temp}\n");
+    EnsureTempDirectory();
+    const WCHAR* file = u"${Temp}\\zel-demo.ini";
+    CZelIniManager writer;
+    writer.SetHeaderInfo(u"; demo settings");
+    writer.AddSection(u"[Document]");
+    writer.AddIdValueStr(u"[Document]", u"Title", u"\uBD84\uAE30 \uBCF4\uACE0\uC11C");
+    writer.AddIdValueStr(u"[Document]", u"Author", u"\u5C71\u7530");
+    writer.AddSection(u"[Window]");
+    writer.AddIdValueStr(u"[Window]", u"Size", u"800x600");
+    WCHAR absolute[MAX_PATH];
+    ZelPathToAbsolute(file, absolute);
+    printf("  written to %s: %s\n", ToUtf8(absolute).c_str(), writer.SaveCfgToFile(file) ? "done" : "failed");
+
+    CZelIniManager editor;
+    editor.SetHeaderInfo(u"; demo settings");
+    const LONG loaded = editor.LoadCfgFromFile(file);
+    printf("  read back with its header checked: result %d\n", static_cast<int>(loaded));
+    editor.SetValue(u"[Window]", u"Size", u"1024x768");
+    editor.AddIdValueStr(u"[Window]", u"Maximized", u"0");
+    editor.RemoveId(u"[Document]", u"Author");
+    printf("  changed Size, added Maximized, removed Author; modified: %d\n", editor.IsModified());
+    editor.SaveCfgToFile(nullptr);
+
+    CZelIniManager reader;
+    reader.LoadCfgFromFile(file);
+    ShowIni(reader);
+    ZelDeleteFile(absolute);
+}
+
 }  // namespace
 
 int RunDemo(const Args& args) {
@@ -343,5 +384,6 @@ int RunDemo(const Args& args) {
     CodePages();
     OldHangul();
     Settings();
+    IniFile();
     return 0;
 }

@@ -35,6 +35,8 @@ const std::vector<Command>& Commands() {
         {"jamo", "a Hangul syllable into its Jamo and back", RunJamo},
         {"pua", "text to and from the plane 15 form of its Yi and private-use characters", RunPua},
         {"reg", "keys and values of the system registry, and registry files", RunReg},
+        {"ini", "sections and values of UTF-16 INI files", RunIni},
+        {"profile", "values of 8-bit INI files through the profile calls", RunProfile},
         {"paths", "the registered paths, in table order", RunPaths},
         {"error", "the text of an error code in the user's language", RunError},
         {"locale", "the user's language, code page, resource extensions and layout direction", RunLocale},

@@ -17,6 +17,7 @@
 
 #include <cstdio>
 #include <string>
+#include <vector>
 
 // ---------------------------------------------------------------------------------------------
 // Registry adapters
@@ -149,5 +150,162 @@ private:
     int _WriteRegFromFile(FILE* stream, HKEY parent);
     int _DeleteFullSubKey(const WCHAR* name, HKEY parent);
 };
+
+// ---------------------------------------------------------------------------------------------
+// INI store
+
+// One entry of a section. Either text may be empty.
+struct tagZELINIVALUE {
+    std::u16string id;
+    std::u16string value;
+};
+
+// A section: its name as "[" name "]", exactly as the file or the caller gave it, and its entries
+// in order. values is never null for a section made by AddSection or by the reader.
+struct tagZELINISECTION {
+    std::u16string name;
+    std::vector<tagZELINIVALUE*>* values;
+};
+
+// An INI-style configuration in memory: an ordered list of sections, each an ordered list of id and
+// value pairs, with its file form in UTF-16 little-endian text behind a required byte order mark.
+//
+// Section names (with their brackets) and ids compare exactly, case and spaces included; look-ups
+// are linear and find the first match. Positions are zero-based and move down by one behind a
+// removal. Texts that the Get operations return point into the object and stay valid until that
+// record changes or goes. Name, id and value arguments must not be null (SetHeaderInfo takes null).
+//
+// The file form: the header text when one is set, then an empty line; each section line, its
+// entry lines "id=value" (an empty id writes the value alone), and an empty line behind a section
+// that has entries. Lines end in CR LF. The reader passes over everything in front of the first
+// "[", skips lines beginning with ";" behind a section line and between entries, drops spaces
+// around "=", and lets an entry of one or two units take the next line into its value. A line
+// without an id loads with an empty id. A section name, brackets included, may hold 257 units: a
+// file with a longer one is refused (result 2), and the sections read before it stay. A load
+// appends to the sections there are; comments and blank lines don't survive a load and a save.
+//
+// One object belongs to one thread at a time. Copies, by construction or assignment, are deep
+// copies of the sections, header and path; they never share the other's file or read buffer.
+class ZEL_API CZelIniManager {
+public:
+    CZelIniManager();
+    CZelIniManager(const CZelIniManager& other);
+    CZelIniManager& operator=(const CZelIniManager& other);
+    ~CZelIniManager();
+
+    // The new position; -1 when a section of that name exists (a name without brackets is never
+    // found, so it is always added). 0, with the error 2, when memory runs out.
+    int AddSection(const WCHAR* secName);
+    // 0 when the section is missing or already has that id, or when memory runs out (error 2).
+    int AddIdValueStr(const WCHAR* secName, const WCHAR* id, const WCHAR* value);
+    int AddIdValueStr(int secIndex, const WCHAR* id, const WCHAR* value);
+    // Replace the value of an existing entry; never create one.
+    int SetValue(const WCHAR* secName, const WCHAR* id, const WCHAR* value);
+    int SetValue(int secIndex, const WCHAR* id, const WCHAR* value);
+    int SetValue(int secIndex, int idIndex, const WCHAR* value);
+    // Rename an existing entry. The new id is not compared with the others, so two entries may
+    // end up with one id.
+    int SetIDStr(const WCHAR* secName, const WCHAR* id, const WCHAR* newId);
+    int SetIDStr(int secIndex, const WCHAR* id, const WCHAR* newId);
+    int SetIDStr(int secIndex, int idIndex, const WCHAR* newId);
+    // Null on failure.
+    const WCHAR* GetValueStr(const WCHAR* secName, const WCHAR* id);
+    const WCHAR* GetValueStr(const WCHAR* secName, int idIndex);
+    const WCHAR* GetValueStr(int secIndex, int idIndex);
+    const WCHAR* GetIdStr(const WCHAR* secName, int idIndex);
+    const WCHAR* GetIdStr(int secIndex, int idIndex);
+    // -1 on failure.
+    int GetIdIndex(const WCHAR* secName, const WCHAR* id);
+    int GetIdIndex(int secIndex, const WCHAR* id);
+    // 0 for an empty section, -1 for a missing one.
+    int GetIdCount(const WCHAR* secName);
+    int GetIdCount(int secIndex);
+    int GetSecCount();
+    const WCHAR* GetSectionName(int secIndex);
+    int GetSecIndex(const WCHAR* secName);
+    int RemoveId(const WCHAR* secName, const WCHAR* id);
+    int RemoveId(int secIndex, const WCHAR* id);
+    int RemoveId(int secIndex, int idIndex);
+    // By name: always 1, and the object counts as modified even when no section had that name.
+    int RemoveSection(const WCHAR* secName);
+    int RemoveSection(int secIndex);
+    // Empties the section, which stays.
+    int RemoveAllId(const WCHAR* secName);
+    int RemoveAllId(int secIndex);
+    void RemoveAllSecList();
+    int IsModified();
+    void _SetModified(int flag);
+
+    // The header is not read from a file: it is written in front of the sections by a save, and a
+    // load refuses a file whose text behind the byte order mark doesn't begin with it.
+    const WCHAR* GetHeaderInfo();  // null when empty
+    void SetHeaderInfo(const WCHAR* text);
+    int CheckHeaderInfo();
+
+    // 0 loaded; 2 size, memory, read or parse failure; 3 not opened; 4 header refused; 5 no byte
+    // order mark. The path goes through the path macros and is kept, whatever the result.
+    LONG LoadCfgFromFile(const WCHAR* path);
+    // 1 saved. A null path saves where the last load or save went. 0 when the file can't be
+    // opened or when there are no sections, in which case the file is left empty.
+    int SaveCfgToFile(const WCHAR* path);
+
+private:
+    int _FindSection(const WCHAR* name, tagZELINISECTION** section);
+    int _FindValueItem(int secIndex, const WCHAR* id, tagZELINIVALUE** value);
+    int _FindValueItem(int secIndex, int idIndex, tagZELINIVALUE** value);
+    int _AddItemToSecList(const tagZELINISECTION* section);
+    int _AddItemToValueList(std::vector<tagZELINIVALUE*>* array, const tagZELINIVALUE* value);
+
+    BOOL __IsEndPoint(const WCHAR* position);
+    BOOL _IsValidSectionName(const WCHAR* text);
+    BOOL _IsSecBeginLine(const WCHAR* text);
+    // name holds 258 units.
+    WCHAR* _ObtainSecName(WCHAR* position, WCHAR* name);
+    WCHAR* _SkipCommentLine(WCHAR* position);
+    WCHAR* _SkipLine(WCHAR* position);
+    WCHAR* _ObtainValue(WCHAR* position, WCHAR** buffer, int* capacity, BOOL* end);
+    void __SpiltStringIdAndValue(WCHAR* text, WCHAR** id, WCHAR** value);
+    int _LoadCfgInfo();
+
+    // Ends a load: frees the buffer and closes the file.
+    void _ReleaseRead();
+
+    std::vector<tagZELINISECTION*> secList;
+    std::u16string headerInfo;
+    WCHAR filePath[MAX_PATH];
+    FILE* stream;
+    int streamOpen;
+    LONG fileSize;
+    int modified;
+    WCHAR* readBuffer;
+    WCHAR* readCursor;
+};
+
+// ---------------------------------------------------------------------------------------------
+// Profile calls
+//
+// Wide forms of the system's profile calls over its plain 8-bit INI files; they always go to the
+// system and have nothing to do with the INI store above. Strings are zero-terminated 16-bit text
+// and a null stays null: a null section asks for the list of sections, a null key for the keys of
+// the section (each name followed by a zero, the list by a second one); in the writers a null value
+// deletes the key and a null key the section. A file name without a directory lies in the Windows
+// directory; the calls without a file use win.ini there. Results are the system call's, unchanged,
+// and no error state is set.
+//
+// The integer readers and the writers pass their texts through the ANSI code page. The string
+// readers call the wide call, but on the 95 family (ZelGetWinVersion 1 to 3) the ANSI call with a
+// local buffer of size bytes, whose strings are then converted one by one into buffer: the result
+// counts ANSI bytes, and a result of 0 leaves buffer untouched.
+
+ZEL_API UINT ZelGetProfileInt(const WCHAR* section, const WCHAR* key, int defaultValue);
+ZEL_API BOOL ZelWriteProfileString(const WCHAR* section, const WCHAR* key, const WCHAR* value);
+ZEL_API UINT ZelGetPrivateProfileInt(const WCHAR* section, const WCHAR* key, int defaultValue,
+                                     const WCHAR* fileName);
+ZEL_API BOOL ZelWritePrivateProfileString(const WCHAR* section, const WCHAR* key, const WCHAR* value,
+                                          const WCHAR* fileName);
+ZEL_API DWORD ZelGetProfileString(const WCHAR* section, const WCHAR* key, const WCHAR* defaultValue, WCHAR* buffer,
+                                  DWORD size);
+ZEL_API DWORD ZelGetPrivateProfileString(const WCHAR* section, const WCHAR* key, const WCHAR* defaultValue,
+                                         WCHAR* buffer, DWORD size, const WCHAR* fileName);
 
 #endif  // ZEL_SETTINGS_H

@@ -11,5 +11,6 @@
 #include <zel/paths.h>
 #include <zel/streams.h>
 #include <zel/settings.h>
+#include <zel/component.h>
 
 #endif  // ZEL_ZEL_H

@@ -269,6 +269,31 @@ UINT GetSystemDirectoryA(LPSTR buffer, UINT size);
 UINT GetSystemDirectoryW(LPWSTR buffer, UINT size);
 
 // ---------------------------------------------------------------------------------------------
+// Profile files (posix/profile*.cpp): plain 8-bit INI files in the ANSI code page. A file name
+// without a directory lies in the Windows directory, which a write makes when it is missing; the
+// GetProfile and WriteProfile calls use win.ini there. Sections and keys match without regard to
+// case. A null section lists the sections, a null key the keys of the section, each name followed
+// by a zero and the list by a second one; a list that does not fit is cut to size - 2 with two
+// zeros, a value to size - 1. A missing key gives the default (null is ""), without its trailing
+// blanks. Writes keep comments and blank lines and replace the file through a temporary one; a
+// null value deletes the key and a null key the section. The A calls count bytes.
+
+UINT GetProfileIntA(LPCSTR section, LPCSTR key, INT defaultValue);
+UINT GetProfileIntW(LPCWSTR section, LPCWSTR key, INT defaultValue);
+DWORD GetProfileStringA(LPCSTR section, LPCSTR key, LPCSTR defaultValue, LPSTR buffer, DWORD size);
+DWORD GetProfileStringW(LPCWSTR section, LPCWSTR key, LPCWSTR defaultValue, LPWSTR buffer, DWORD size);
+BOOL WriteProfileStringA(LPCSTR section, LPCSTR key, LPCSTR value);
+BOOL WriteProfileStringW(LPCWSTR section, LPCWSTR key, LPCWSTR value);
+UINT GetPrivateProfileIntA(LPCSTR section, LPCSTR key, INT defaultValue, LPCSTR fileName);
+UINT GetPrivateProfileIntW(LPCWSTR section, LPCWSTR key, INT defaultValue, LPCWSTR fileName);
+DWORD GetPrivateProfileStringA(LPCSTR section, LPCSTR key, LPCSTR defaultValue, LPSTR buffer, DWORD size,
+                               LPCSTR fileName);
+DWORD GetPrivateProfileStringW(LPCWSTR section, LPCWSTR key, LPCWSTR defaultValue, LPWSTR buffer, DWORD size,
+                               LPCWSTR fileName);
+BOOL WritePrivateProfileStringA(LPCSTR section, LPCSTR key, LPCSTR value, LPCSTR fileName);
+BOOL WritePrivateProfileStringW(LPCWSTR section, LPCWSTR key, LPCWSTR value, LPCWSTR fileName);
+
+// ---------------------------------------------------------------------------------------------
 // The run-time's file calls (posix/runtime_files.cpp), with the Win32 run-time's flag values and
 // records. In a namespace of their own, since fopen, freopen, remove and rename are also the C
 // library's names.
@@ -406,5 +431,11 @@ int GetTimeFormatA(LCID locale, DWORD flags, const SYSTEMTIME* time, LPCSTR form
 HMODULE ZelPlatformSystemModule(const std::u16string& name);  // null when not a system module
 FARPROC ZelPlatformSystemProc(HMODULE module, LPCSTR name);    // null when unknown or hidden
 LPCWSTR ZelPlatformSystemModuleName(HMODULE module);          // "kernel32.dll" ..., or null
+
+// ---------------------------------------------------------------------------------------------
+// Component model (posix/component_model.cpp). Objects live in their own process only, so there
+// are no remote connections to cut. InterlockedIncrement and InterlockedDecrement are above.
+
+HRESULT CoDisconnectObject(LPUNKNOWN unknown, DWORD reserved);
 
 #endif  // ZEL_PLATFORM_WIN32_H

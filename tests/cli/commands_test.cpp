@@ -18,7 +18,7 @@ ProgramResult Zel(const std::vector<std::string>& args, const std::string& input
 TEST(Command, HelpListsTheSubcommandsAndEachHasItsOwn) {
     ProgramResult help = Zel({"--help"});
     EXPECT_EQ(help.status, 0);
-    for (const char* name : {"demo", "modules", "utf", "base64", "hex", "kana", "width", "bidi", "shape", "path", "sys", "conv", "codetables", "kchar", "sortkey", "jamo", "pua", "reg", "paths", "error", "locale", "defined"}) {
+    for (const char* name : {"demo", "modules", "utf", "base64", "hex", "kana", "width", "bidi", "shape", "path", "sys", "conv", "codetables", "kchar", "sortkey", "jamo", "pua", "reg", "ini", "profile", "paths", "error", "locale", "defined"}) {
         EXPECT_NE(help.out.find(std::string("  ") + name + " "), std::string::npos) << name;
         ProgramResult own = Zel({name, "--help"});
         EXPECT_EQ(own.status, 0) << name;
