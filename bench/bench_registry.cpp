@@ -10,26 +10,13 @@
 
 #include <zel/settings.h>
 
+#include "bench_temp_file.h"
 #include "platform/win32.h"
 
 namespace {
 
 constexpr int kTreeVirtual = 1;
 constexpr int kValuesPerKey = 5;
-
-struct BenchFile {
-    BenchFile() {
-        char name[] = "/tmp/bench_registry_XXXXXX";
-        const int fd = mkstemp(name);
-        if (fd < 0) std::abort();
-        close(fd);
-        onDisk = name;
-        path = ZelPlatformPathFromSystem(name);
-    }
-    ~BenchFile() { std::remove(onDisk.c_str()); }
-    std::string onDisk;
-    std::u16string path;
-};
 
 std::u16string Number(const char16_t* prefix, int n) {
     std::u16string text = prefix;
