@@ -4,6 +4,7 @@
 #include <zel/paths.h>
 
 #include <cstring>
+#include <optional>
 #include <string>
 #include <thread>
 #include <vector>
@@ -13,6 +14,7 @@
 #include "codetables/code_tables.h"
 #include "platform/win32.h"
 #include "support/support.h"
+#include "table_path_fixture.h"
 
 namespace {
 
@@ -25,17 +27,13 @@ protected:
     void SetUp() override {
         code_ = dir_.path() + "/Code";
         ASSERT_EQ(0, mkdir(code_.c_str(), 0755));
-        if (ZelIsRegisterPath(u"Common")) {
-            ZelPathToAbsolute(u"${Common}", saved_);
-            ZelUnregisterPath(u"Common");
-        }
-        ASSERT_TRUE(ZelRegisterPath(u"Common", ZelPlatformPathFromSystem(dir_.path().c_str()).c_str()));
+        common_.emplace(dir_.path());
+        ASSERT_TRUE(common_->registered());
         ZelResetCodeTablesForTest();
     }
     void TearDown() override {
         ZelResetCodeTablesForTest();
-        ZelUnregisterPath(u"Common");
-        if (saved_[0]) ZelRegisterPath(u"Common", saved_);
+        common_.reset();
     }
 
     void Write(int number, const std::string& kind, const std::vector<uint16_t>& elements, Header header = {}) {
@@ -65,7 +63,7 @@ protected:
 
     zeltest::TempDir dir_;
     std::string code_;
-    WCHAR saved_[MAX_PATH] = {};
+    std::optional<ScopedCommon> common_;
 };
 
 bool Parse(const std::string& text, int number, ZelTableHeader* header) {

@@ -5,6 +5,7 @@
 #include <zel/codetables.h>
 #include <zel/paths.h>
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -14,6 +15,7 @@
 #include "codetables/kchar_internal.h"
 #include "platform/win32.h"
 #include "support/support.h"
+#include "table_path_fixture.h"
 
 namespace {
 
@@ -26,19 +28,15 @@ protected:
     void SetUp() override {
         code_ = dir_.path() + "/Code";
         ASSERT_EQ(0, mkdir(code_.c_str(), 0755));
-        if (ZelIsRegisterPath(u"Common")) {
-            ZelPathToAbsolute(u"${Common}", saved_);
-            ZelUnregisterPath(u"Common");
-        }
-        ASSERT_TRUE(ZelRegisterPath(u"Common", ZelPlatformPathFromSystem(dir_.path().c_str()).c_str()));
+        common_.emplace(dir_.path());
+        ASSERT_TRUE(common_->registered());
         ZelResetCodeTablesForTest();
         WriteTables();
         ASSERT_EQ(kZelTableReady, LoadUnicodeTbl());
     }
     void TearDown() override {
         ZelResetCodeTablesForTest();
-        ZelUnregisterPath(u"Common");
-        if (saved_[0]) ZelRegisterPath(u"Common", saved_);
+        common_.reset();
     }
 
     void Write(const std::string& kind, const std::vector<uint16_t>& elements) {
@@ -75,7 +73,7 @@ protected:
 
     zeltest::TempDir dir_;
     std::string code_;
-    WCHAR saved_[MAX_PATH] = {};
+    std::optional<ScopedCommon> common_;
 };
 
 std::u16string ToUnicode(DWORD flags, const KString& text, int size = 64, const WCHAR* substitute = nullptr) {

@@ -8,11 +8,13 @@
 
 #include <cstring>
 #include <set>
+#include <optional>
 #include <string>
 
 #include "codetables/code_tables.h"
 #include "platform/win32.h"
 #include "support/support.h"
+#include "table_path_fixture.h"
 
 namespace {
 
@@ -39,21 +41,17 @@ protected:
     void SetUp() override {
         UnloadUnicodeTbl();
         ZelResetCodeTablesForTest();
-        if (ZelIsRegisterPath(u"Common")) {
-            ZelPathToAbsolute(u"${Common}", saved_);
-            ZelUnregisterPath(u"Common");
-        }
-        ASSERT_TRUE(ZelRegisterPath(u"Common", ZelPlatformPathFromSystem(LibraryDirectory().c_str()).c_str()));
+        common_.emplace(LibraryDirectory());
+        ASSERT_TRUE(common_->registered());
         ASSERT_EQ(kZelTableReady, LoadUnicodeTbl());
     }
     void TearDown() override {
         UnloadUnicodeTbl();
         ZelResetCodeTablesForTest();
-        ZelUnregisterPath(u"Common");
-        if (saved_[0]) ZelRegisterPath(u"Common", saved_);
+        common_.reset();
     }
 
-    WCHAR saved_[MAX_PATH] = {};
+    std::optional<ScopedCommon> common_;
 };
 
 // Header with the banner, then exactly the elements that the count line names.

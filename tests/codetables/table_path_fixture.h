@@ -9,6 +9,7 @@
 
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -17,22 +18,40 @@
 #include "platform/win32.h"
 #include "support/support.h"
 
+// ${Common} on a directory (in the system's form) while the object lives, and the value it had
+// before back afterwards.
+class ScopedCommon {
+public:
+    explicit ScopedCommon(const std::string& directory) {
+        if (ZelIsRegisterPath(u"Common")) ZelPathToAbsolute(u"${Common}", saved_);
+        ZelUnregisterPath(u"Common");
+        registered_ = ZelRegisterPath(u"Common", ZelPlatformPathFromSystem(directory.c_str()).c_str());
+    }
+    ~ScopedCommon() {
+        ZelUnregisterPath(u"Common");
+        if (saved_[0]) ZelRegisterPath(u"Common", saved_);
+    }
+    ScopedCommon(const ScopedCommon&) = delete;
+    ScopedCommon& operator=(const ScopedCommon&) = delete;
+    bool registered() const { return registered_; }
+
+private:
+    WCHAR saved_[MAX_PATH] = {};
+    bool registered_ = false;
+};
+
 class TablePathFixture : public ::testing::Test {
 protected:
     void SetUp() override {
         ::mkdir(dir_.file("Code").c_str(), 0755);
         ZelResetCodeTablesForTest();
-        WCHAR old[MAX_PATH] = {};
-        ZelPathToAbsolute(u"${Common}", old);
-        oldCommon_ = old;
-        ZelUnregisterPath(u"Common");
-        ASSERT_TRUE(ZelRegisterPath(u"Common", ZelPlatformPathFromSystem(dir_.path().c_str()).c_str()));
+        common_.emplace(dir_.path());
+        ASSERT_TRUE(common_->registered());
     }
 
     void TearDown() override {
         ZelResetCodeTablesForTest();
-        ZelUnregisterPath(u"Common");
-        if (!oldCommon_.empty()) ZelRegisterPath(u"Common", oldCommon_.c_str());
+        common_.reset();
     }
 
     // Writes the table of a code page: the codes given, 0xFFFD for all others from the first code
@@ -66,7 +85,7 @@ protected:
 
 private:
     zeltest::TempDir dir_;
-    std::u16string oldCommon_;
+    std::optional<ScopedCommon> common_;
 };
 
 #endif  // ZEL_TESTS_CODETABLES_TABLE_PATH_FIXTURE_H
