@@ -19,7 +19,10 @@ int Usage(int status) {
     printf("Usage: zel reg ACTION [ARGUMENTS]\n\n"
            "list KEY                  the sub-keys and values of KEY\n"
            "get KEY NAME              one value of KEY\n"
-           "set KEY NAME TYPE VALUE   write a value; TYPE is sz, dword or binary (VALUE in hex digits)\n"
+           "set [--volatile] KEY NAME TYPE VALUE\n"
+           "                          write a value; TYPE is sz, dword or binary (VALUE in hex digits);\n"
+           "                          --volatile makes a missing KEY volatile: it lasts until the login\n"
+           "                          session ends, and a key below a volatile key must be volatile too\n"
            "delete KEY [NAME]         the value NAME of KEY, or KEY with everything below it\n"
            "save KEY FILE             KEY with everything below it to a registry file\n"
            "load FILE                 a registry file back into the registry, where it was saved from\n"
@@ -75,25 +78,58 @@ int Get(const RegistryPath& path, const std::string& name) {
     return 0;
 }
 
-int Set(const RegistryPath& path, const std::string& name, const std::string& type, const std::string& value) {
-    CZelRegistry registry(path.path.c_str(), path.root);
-    std::u16string wideName = FromUtf8(name);
-    int done = 0;
+// The value's bytes as the registry's ANSI calls take them; false with a message for bad text.
+bool ValueBytes(const std::string& type, const std::string& value, DWORD& regType, std::vector<BYTE>& bytes,
+                std::string& problem) {
     if (type == "sz") {
-        done = registry.WriteStringValue(nullptr, wideName.c_str(), FromUtf8(value).c_str());
-    } else if (type == "dword") {
+        std::u16string wide = FromUtf8(value);
+        std::vector<char> narrow(wide.size() * 4 + 4);
+        ZelUnicodeToAnsi(0, 0, wide.c_str(), -1, narrow.data(), static_cast<int>(narrow.size()));
+        regType = REG_SZ;
+        bytes.assign(narrow.begin(), narrow.begin() + static_cast<long>(strlen(narrow.data()) + 1));
+        return true;
+    }
+    if (type == "dword") {
         char* end = nullptr;
         unsigned long number = strtoul(value.c_str(), &end, 0);
-        if (value.empty() || *end || number > 0xFFFFFFFFul) return Fail("not a 32-bit number: " + value);
-        done = registry.WriteDwordValue(nullptr, wideName.c_str(), static_cast<int>(number));
-    } else if (type == "binary") {
-        std::vector<BYTE> bytes;
-        if (!ParseHexBytes(value, bytes)) return Fail("not pairs of hex digits: " + value);
-        done = registry.WriteBinaryValue(nullptr, wideName.c_str(), bytes.data(), static_cast<DWORD>(bytes.size()));
-    } else {
-        return Fail("unknown type '" + type + "' (sz, dword or binary)");
+        if (value.empty() || *end || number > 0xFFFFFFFFul || value[0] == '-') {
+            problem = "not a 32-bit number: " + value;
+            return false;
+        }
+        const DWORD dword = static_cast<DWORD>(number);
+        regType = REG_DWORD;
+        bytes.resize(sizeof dword);
+        memcpy(bytes.data(), &dword, sizeof dword);
+        return true;
     }
-    return done ? 0 : Fail("could not write '" + name + "' in " + path.text);
+    if (type == "binary") {
+        regType = REG_BINARY;
+        if (ParseHexBytes(value, bytes)) return true;
+        problem = "not pairs of hex digits: " + value;
+        return false;
+    }
+    problem = "unknown type '" + type + "' (sz, dword or binary)";
+    return false;
+}
+
+// A key made volatile lives until the login session ends, and only volatile keys may stand below one.
+int Set(const RegistryPath& path, const std::string& name, const std::string& type, const std::string& value,
+        bool isVolatile) {
+    DWORD regType = 0;
+    std::vector<BYTE> bytes;
+    std::string problem;
+    if (!ValueBytes(type, value, regType, bytes, problem)) return Fail(problem);
+    HKEY key = nullptr;
+    DWORD disposition = 0;
+    LONG status = ZelRegCreateKeyEx(path.root, path.path.c_str(), 0, nullptr,
+                                    isVolatile ? REG_OPTION_VOLATILE : REG_OPTION_NON_VOLATILE, KEY_WRITE, nullptr,
+                                    &key, &disposition);
+    if (status != ERROR_SUCCESS) return Fail("could not create " + path.text + ": " + SystemErrorText(status));
+    status = ZelRegSetValueEx(key, FromUtf8(name).c_str(), 0, regType, bytes.data(), static_cast<DWORD>(bytes.size()));
+    ZelRegCloseKey(key);
+    if (status != ERROR_SUCCESS)
+        return Fail("could not write '" + name + "' in " + path.text + ": " + SystemErrorText(status));
+    return 0;
 }
 
 int Delete(const RegistryPath& path, const Args& args) {
@@ -165,12 +201,17 @@ int RunReg(const Args& args) {
     const std::string& action = args[0];
     if (action == "dump" && args.size() == 2) return Dump(args[1]);
     if (action == "load" && args.size() == 2) return Load(args[1]);
+    if (action == "set" && args.size() == 6 && args[1] == "--volatile") {
+        RegistryPath path;
+        if (!ParseRegistryPath(args[2], path)) return Fail("a key begins with HKCU\\ or HKLM\\: " + args[2]);
+        return Set(path, args[3], args[4], args[5], true);
+    }
     if (args.size() < 2) return Usage(2);
     RegistryPath path;
     if (!ParseRegistryPath(args[1], path)) return Fail("a key begins with HKCU\\ or HKLM\\: " + args[1]);
     if (action == "list" && args.size() == 2) return List(path);
     if (action == "get" && args.size() == 3) return Get(path, args[2]);
-    if (action == "set" && args.size() == 5) return Set(path, args[2], args[3], args[4]);
+    if (action == "set" && args.size() == 5) return Set(path, args[2], args[3], args[4], false);
     if (action == "delete" && (args.size() == 2 || args.size() == 3)) return Delete(path, args);
     if (action == "save" && args.size() == 3) return Save(path, args[2]);
     return Usage(2);

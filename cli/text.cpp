@@ -1,5 +1,6 @@
 #include "text.h"
 
+#include <zel/frame.h>
 #include <zel/strings.h>
 
 #include <cstdio>
@@ -36,4 +37,17 @@ std::string Hex(unsigned long value) {
     char buffer[32];
     snprintf(buffer, sizeof buffer, "0x%lX", value);
     return buffer;
+}
+
+std::string SystemErrorText(LONG code) {
+    ZelErrorInfo saved;
+    ZelStoreError(&saved);
+    ZelSetError((static_cast<DWORD>(code) & 0xFFFF) | 0x80070000);
+    ZelErrorDetail detail;
+    detail.text[0] = 0;
+    ZelGetErrorDetail(&detail);
+    ZelRestoreError(&saved);
+    std::string text = ToUtf8(detail.text);
+    while (!text.empty() && (text.back() == ' ' || text.back() == '\r' || text.back() == '\n')) text.pop_back();
+    return text.empty() ? "error " + std::to_string(code) : text;
 }

@@ -9,5 +9,7 @@
 std::string ToUtf8(const WCHAR* text);
 std::u16string FromUtf8(const std::string& text);
 std::string Hex(unsigned long value);
+// The system's text of a Win32 error code, in the user's language, as the library gives it.
+std::string SystemErrorText(LONG code);
 
 #endif  // ZEL_CLI_TEXT_H

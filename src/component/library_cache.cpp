@@ -9,11 +9,16 @@
 #include "strings/wstr.h"
 
 ZelComLibraryCache& ZelComLibraries() {
-    static ZelComLibraryCache cache;
+    static auto& cache = *new ZelComLibraryCache;
     return cache;
 }
 
 ZelComLibraryCache::~ZelComLibraryCache() { FreeAll(); }
+
+void ZelComLibraryCache::Release() {
+    FreeAll();
+    initializeCount = 0;
+}
 
 IClassFactory* ZelComLibraryCache::GetClassFactory(const WCHAR* path, REFCLSID rclsid) {
     if (!path) return nullptr;

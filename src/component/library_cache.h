@@ -28,6 +28,9 @@ public:
     IClassFactory* GetClassFactory(const WCHAR* path, REFCLSID rclsid);
     void Initialize();
     void Uninitialize();
+    // Frees every library still in the list, whatever the count of users: the unload of the
+    // library.
+    void Release();
 
     std::vector<ZelComLibraryRecord> records;  // in the order of loading
     LONG initializeCount = 0;
@@ -37,7 +40,8 @@ private:
     void FreeUnusedLibraries();
 };
 
-// The one list of the process, made at first use and destroyed when the library goes.
+// The one list of the process, made at first use and never destroyed; the library's unload
+// releases what it holds.
 ZelComLibraryCache& ZelComLibraries();
 
 #endif  // ZEL_COMPONENT_LIBRARY_CACHE_H

@@ -1,4 +1,4 @@
-// The steps of process attach and detach that belong to the path table and the code tables.
+// The steps of process attach and detach that belong to other subsystems.
 #ifndef ZEL_FRAME_ATTACH_STEPS_H
 #define ZEL_FRAME_ATTACH_STEPS_H
 
@@ -8,5 +8,7 @@
 void ZelRegisterDefaultPaths();
 // Frees the path table.
 void ZelFreePathTable();
+// Empties the registry tree, frees the component libraries still loaded and the window map.
+void ZelReleaseProcessObjects();
 
 #endif  // ZEL_FRAME_ATTACH_STEPS_H

@@ -46,16 +46,22 @@ void ProcessAttach(HINSTANCE module) {
     ZelInitModule(&g_zelOwnModule);
 }
 
-void ProcessDetach() {
-    OutputDebugStringA("DllMain() : DLL_PROCESS_DETACH -  ZelBase End!\n");
-    ZelExitModule(&g_zelOwnModule);
-    UnloadUnicodeTbl();
+void ReleaseThreadSlotAndPaths() {
     if (g_zelThreadSlot == TLS_OUT_OF_INDEXES) return;
     ZelFreeThreadData();
     TlsFree(g_zelThreadSlot);
     // Code that runs after the detach finds no slot rather than a freed one.
     g_zelThreadSlot = TLS_OUT_OF_INDEXES;
     ZelFreePathTable();
+}
+
+void ProcessDetach() {
+    OutputDebugStringA("DllMain() : DLL_PROCESS_DETACH -  ZelBase End!\n");
+    ZelExitModule(&g_zelOwnModule);
+    UnloadUnicodeTbl();
+    ReleaseThreadSlotAndPaths();
+    // Then the process-wide objects go, whether or not the attach got as far as the slot.
+    ZelReleaseProcessObjects();
 }
 
 }  // namespace

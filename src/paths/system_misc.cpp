@@ -26,7 +26,8 @@ int ZelIntMulDiv(int a, int b, int c) {
     return static_cast<int>(static_cast<unsigned long long>(product / c));
 }
 
+// Built at first use and never destroyed; the library's unload empties it.
 std::map<HWND, void*>& GetWMSWindowMap() {
-    static std::map<HWND, void*> map;
+    static auto& map = *new std::map<HWND, void*>;
     return map;
 }

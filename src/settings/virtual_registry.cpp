@@ -5,9 +5,6 @@
 
 namespace {
 
-// Constant-initialised, so it is there before any constructor of the library runs.
-constinit VirtualRegistry gVirtualRegistry;
-
 struct HiveRow {
     HKEY handle;
     const char16_t* rootName;
@@ -15,7 +12,17 @@ struct HiveRow {
 
 }  // namespace
 
-VirtualRegistry& ZelVirtualRegistry() { return gVirtualRegistry; }
+VirtualRegistry& ZelVirtualRegistry() {
+    static auto& registry = *new VirtualRegistry;
+    return registry;
+}
+
+void VirtualRegistry::Release() {
+    currentHive = nullptr;
+    classesRoot.clear();
+    currentUser.clear();
+    localMachine.clear();
+}
 
 VirtualRegKey* VirtualRegistry::ResolveHandle(HKEY handle) {
     const HiveRow rows[] = {

@@ -95,6 +95,8 @@ public:
     // Only a key without sub-keys, and only one that stands in the current hive's list.
     int DeleteKey(HKEY handle, const WCHAR* path);
     int DeleteValue(HKEY handle, const WCHAR* name);
+    // Frees every key of every hive; the tree is empty afterwards and still usable.
+    void Release();
 
 private:
     int FindKey(VirtualRegKey* start, const WCHAR* path, VirtualRegKey** key);
@@ -107,7 +109,8 @@ private:
     KeyList localMachine;
 };
 
-// The process's one tree: built before any call can run and destroyed, with all its keys, at unload.
+// The process's one tree: built at first use, and emptied of all its keys at unload. The object
+// itself is never destroyed, so a call that comes late still finds an empty tree.
 VirtualRegistry& ZelVirtualRegistry();
 
 #endif  // ZEL_SETTINGS_VIRTUAL_REGISTRY_H

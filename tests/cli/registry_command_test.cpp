@@ -78,3 +78,16 @@ TEST(RegCommand, BrokenFilesAndKeysOutsideTheFileFormAreRefused) {
 }
 
 }  // namespace
+
+// Only volatile keys may stand below a volatile one, as below the user locale key that every start
+// seeds; the refusal names the system's reason.
+TEST(RegCommand, KeysBelowAVolatileKeyAreMadeVolatileOrRefusedWithTheReason) {
+    const std::string locales = "HKCU\\Software\\Morvalis\\Global Settings\\User Locales";
+    ASSERT_EQ(Zel({"reg", "set", "--volatile", locales + "\\Parent", "x", "sz", "1"}).status, 0);
+    ProgramResult refused = Zel({"reg", "set", locales + "\\Parent\\zel", "LCID", "dword", "0x412"});
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_NE(refused.err.find(": Cannot create a stable subkey under a volatile parent key."), std::string::npos)
+        << refused.err;
+    ASSERT_EQ(Zel({"reg", "set", "--volatile", locales + "\\Parent\\zel", "LCID", "dword", "0x412"}).status, 0);
+    EXPECT_EQ(Zel({"reg", "get", locales + "\\Parent\\zel", "LCID"}).out, "dword 1042 (0x412)\n");
+}

@@ -25,21 +25,26 @@ struct OpenFile {
 // The open files by handle value. Values step by 16 from 16 and are never given twice, so a
 // closed handle stays unknown instead of naming a later file.
 std::mutex tableLock;
-std::map<uintptr_t, OpenFile> openFiles;
+// Built at first use and never destroyed: process attach opens files before any constructor of
+// this file would have run, and detach may close them after destructors would have.
+std::map<uintptr_t, OpenFile>& OpenFiles() {
+    static auto& files = *new std::map<uintptr_t, OpenFile>;
+    return files;
+}
 uintptr_t lastHandle = 0;
 
 HANDLE AddFile(const OpenFile& file) {
     std::lock_guard<std::mutex> guard(tableLock);
     lastHandle += 16;
-    openFiles[lastHandle] = file;
+    OpenFiles()[lastHandle] = file;
     return reinterpret_cast<HANDLE>(lastHandle);
 }
 
 // The descriptor of a handle, or -1 with ERROR_INVALID_HANDLE.
 int DescriptorOf(HANDLE handle) {
     std::lock_guard<std::mutex> guard(tableLock);
-    auto found = openFiles.find(reinterpret_cast<uintptr_t>(handle));
-    if (found != openFiles.end()) return found->second.fd;
+    auto found = OpenFiles().find(reinterpret_cast<uintptr_t>(handle));
+    if (found != OpenFiles().end()) return found->second.fd;
     SetLastError(ERROR_INVALID_HANDLE);
     return -1;
 }
@@ -265,13 +270,13 @@ BOOL CloseHandle(HANDLE object) {
     OpenFile file;
     {
         std::lock_guard<std::mutex> guard(tableLock);
-        auto found = openFiles.find(reinterpret_cast<uintptr_t>(object));
-        if (found == openFiles.end()) {
+        auto found = OpenFiles().find(reinterpret_cast<uintptr_t>(object));
+        if (found == OpenFiles().end()) {
             SetLastError(ERROR_INVALID_HANDLE);
             return FALSE;
         }
         file = found->second;
-        openFiles.erase(found);
+        OpenFiles().erase(found);
     }
     if (!file.deleteOnClose.empty()) unlink(file.deleteOnClose.c_str());
     close(file.fd);

@@ -45,7 +45,11 @@ struct Search {
 };
 
 std::mutex tableLock;
-std::map<uintptr_t, Search> searches;
+// Built at first use and never destroyed, so a search works whenever the library's entry runs.
+std::map<uintptr_t, Search>& Searches() {
+    static auto& searches = *new std::map<uintptr_t, Search>;
+    return searches;
+}
 uintptr_t lastHandle = 8;  // search handles step by 16 from 24: apart from file handles
 
 // Fills the record of the next name that still exists; false at the end.
@@ -128,7 +132,7 @@ HANDLE FindFirstFileW(LPCWSTR fileName, LPWIN32_FIND_DATAW findData) {
     }
     std::lock_guard<std::mutex> guard(tableLock);
     lastHandle += 16;
-    searches[lastHandle] = std::move(search);
+    Searches()[lastHandle] = std::move(search);
     return reinterpret_cast<HANDLE>(lastHandle);
 }
 
@@ -145,8 +149,8 @@ HANDLE FindFirstFileA(LPCSTR fileName, LPWIN32_FIND_DATAA findData) {
 
 BOOL FindNextFileW(HANDLE find, LPWIN32_FIND_DATAW findData) {
     std::lock_guard<std::mutex> guard(tableLock);
-    auto found = searches.find(reinterpret_cast<uintptr_t>(find));
-    if (found == searches.end()) {
+    auto found = Searches().find(reinterpret_cast<uintptr_t>(find));
+    if (found == Searches().end()) {
         SetLastError(ERROR_INVALID_HANDLE);
         return FALSE;
     }
@@ -172,7 +176,7 @@ BOOL FindNextFileA(HANDLE find, LPWIN32_FIND_DATAA findData) {
 
 BOOL FindClose(HANDLE find) {
     std::lock_guard<std::mutex> guard(tableLock);
-    if (searches.erase(reinterpret_cast<uintptr_t>(find)) == 1) return TRUE;
+    if (Searches().erase(reinterpret_cast<uintptr_t>(find)) == 1) return TRUE;
     SetLastError(ERROR_INVALID_HANDLE);
     return FALSE;
 }

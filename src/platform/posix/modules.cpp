@@ -28,13 +28,17 @@ struct DataModule {
 };
 
 std::mutex dataLock;
-std::vector<DataModule*> dataModules;
+// Built at first use and never destroyed: the library's entry loads its resource file at attach.
+std::vector<DataModule*>& DataModules() {
+    static auto& modules = *new std::vector<DataModule*>;
+    return modules;
+}
 
 bool IsDataHandle(HMODULE module) { return (reinterpret_cast<uintptr_t>(module) & 1) != 0; }
 
 DataModule* FindData(HMODULE module) {
     auto* record = reinterpret_cast<DataModule*>(reinterpret_cast<uintptr_t>(module) & ~uintptr_t{1});
-    for (DataModule* m : dataModules)
+    for (DataModule* m : DataModules())
         if (m == record) return m;
     return nullptr;
 }
@@ -105,7 +109,7 @@ HMODULE LoadData(const std::string& path) {
     m->path = path;
     m->references = 1;
     std::lock_guard<std::mutex> guard(dataLock);
-    dataModules.push_back(m);
+    DataModules().push_back(m);
     return DataHandle(m);
 }
 
@@ -226,7 +230,7 @@ BOOL FreeLibrary(HMODULE module) {
             return FALSE;
         }
         if (--m->references == 0) {
-            std::erase(dataModules, m);
+            std::erase(DataModules(), m);
             delete m;
         }
         return TRUE;

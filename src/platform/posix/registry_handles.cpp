@@ -21,8 +21,9 @@ struct HandleTable {
     std::unordered_map<uintptr_t, KeyRef> refs;
 };
 
+// Built at first use and never destroyed, as the hives are.
 HandleTable& Table() {
-    static HandleTable table;
+    static auto& table = *new HandleTable;
     return table;
 }
 

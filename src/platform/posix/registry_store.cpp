@@ -30,19 +30,18 @@ struct HiveSlot {
     LONG readError = ERROR_SUCCESS;
 };
 
-// The library's entry point for unloading runs before its static objects are destroyed, so a call
-// made from it still finds its hive.
+// Built at first use and never destroyed: the library's entry reads and writes hives at load and
+// at unload, whatever the order of the other files' constructors and destructors.
 HiveSlot* Slots() {
-    static HiveSlot slots[kHiveSlots];
-    static const bool named = [] {
-        slots[kClassesRoot].fileName = "classes_root.hive";
-        slots[kCurrentUser].fileName = "current_user.hive";
-        slots[kLocalMachine].fileName = "local_machine.hive";
-        slots[kUsers].fileName = "users.hive";
-        slots[kCurrentConfig].fileName = "current_config.hive";
-        return true;
+    static HiveSlot* const slots = [] {
+        auto* made = new HiveSlot[kHiveSlots];
+        made[kClassesRoot].fileName = "classes_root.hive";
+        made[kCurrentUser].fileName = "current_user.hive";
+        made[kLocalMachine].fileName = "local_machine.hive";
+        made[kUsers].fileName = "users.hive";
+        made[kCurrentConfig].fileName = "current_config.hive";
+        return made;
     }();
-    (void)named;
     return slots;
 }
 

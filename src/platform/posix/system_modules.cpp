@@ -29,9 +29,11 @@ const SystemModule* ModuleOf(HMODULE handle) {
     return nullptr;
 }
 
+// The address comes from a function: a cast of a function's address is no constant, and the table
+// must be constant so that it is there before anything of the library runs.
 struct Procedure {
     const char* name;
-    FARPROC address;
+    FARPROC (*address)();
 };
 
 // void (*)() converts to and from any function pointer type without complaint.
@@ -40,14 +42,14 @@ FARPROC AsProc(Function* function) {
     return reinterpret_cast<FARPROC>(reinterpret_cast<void (*)()>(function));
 }
 
-#define ZEL_PROCEDURE(name) Procedure{#name, AsProc(&name)}
+#define ZEL_PROCEDURE(name) Procedure{#name, [] { return AsProc(&name); }}
 
-const Procedure kKernel32Procedures[] = {
+constexpr Procedure kKernel32Procedures[] = {
     ZEL_PROCEDURE(GetLongPathNameA), ZEL_PROCEDURE(GetLongPathNameW), ZEL_PROCEDURE(GetShortPathNameA),
     ZEL_PROCEDURE(GetShortPathNameW), ZEL_PROCEDURE(IsWow64Process),  ZEL_PROCEDURE(GetVersionExA),
 };
 
-const Procedure kShell32Procedures[] = {
+constexpr Procedure kShell32Procedures[] = {
     ZEL_PROCEDURE(SHGetSpecialFolderPathA), ZEL_PROCEDURE(SHGetSpecialFolderPathW),
     ZEL_PROCEDURE(SHGetSettings),           ZEL_PROCEDURE(SHGetKnownFolderPath),
     ZEL_PROCEDURE(SHGetKnownFolderIDList),  ZEL_PROCEDURE(SHFileOperationA),
@@ -108,7 +110,7 @@ FARPROC ZelPlatformSystemProc(HMODULE module, LPCSTR name) {
     const Procedure* first = kernel ? std::begin(kKernel32Procedures) : std::begin(kShell32Procedures);
     const Procedure* last = kernel ? std::end(kKernel32Procedures) : std::end(kShell32Procedures);
     for (const Procedure* p = first; p != last; ++p)
-        if (strcmp(p->name, name) == 0) return p->address;
+        if (strcmp(p->name, name) == 0) return p->address();
     SetLastError(ERROR_PROC_NOT_FOUND);
     return nullptr;
 }
