@@ -6,8 +6,22 @@
 #include <vector>
 
 #include "commands.h"
+#include "report.h"
 #include "input.h"
 #include "text.h"
+
+const char kBidiUsage[] =
+    "Usage: zel bidi [--rtl] [--mirror] [TEXT | -]\n\n"
+    "Puts a line in logical order into display order and prints it, then the resolved level\n"
+    "of each character in logical order. --rtl: a right-to-left line; --mirror: mirrored\n"
+    "characters at odd levels take their partners. Text is UTF-8.\n";
+
+const char kShapeUsage[] =
+    "Usage: zel shape [--rtl] [--mirror] [--codes] [TEXT | -]\n\n"
+    "Shapes a line in logical order: display order, Arabic presentation forms and lam-alef\n"
+    "ligatures. --rtl: a right-to-left line (the output then starts with its rightmost\n"
+    "character); --mirror: mirrored characters at odd levels take their partners; --codes:\n"
+    "print code points instead of text. Text is UTF-8.\n";
 
 namespace {
 
@@ -25,16 +39,11 @@ bool ReadLine(const Args& args, bool allowCodes, LineOptions& options, int& stat
         if (arg == "--rtl") options.rtl = true;
         else if (arg == "--mirror") options.mirror = true;
         else if (arg == "--codes" && allowCodes) options.codes = true;
-        else if (arg.size() > 2 && arg.rfind("--", 0) == 0) {
-            status = 2;
-            return false;
-        } else rest.push_back(arg);
+        else if (arg.size() > 2 && arg.rfind("--", 0) == 0) return status = Misuse("unknown option " + arg), false;
+        else rest.push_back(arg);
     }
     auto line = LineArgument(rest, 0);
-    if (!line) {
-        status = 1;
-        return false;
-    }
+    if (!line) return status = 1, false;
     options.text = FromUtf8(*line);
     return true;
 }
@@ -44,37 +53,17 @@ void PrintCodes(const WCHAR* text, size_t count) {
     printf("\n");
 }
 
-int BidiUsage(int status) {
-    printf("Usage: zel bidi [--rtl] [--mirror] [TEXT | -]\n\n"
-           "Puts a line in logical order into display order and prints it, then the resolved level\n"
-           "of each character in logical order. --rtl: a right-to-left line; --mirror: mirrored\n"
-           "characters at odd levels take their partners. Text is UTF-8.\n");
-    return status;
-}
-
-int ShapeUsage(int status) {
-    printf("Usage: zel shape [--rtl] [--mirror] [--codes] [TEXT | -]\n\n"
-           "Shapes a line in logical order: display order, Arabic presentation forms and lam-alef\n"
-           "ligatures. --rtl: a right-to-left line (the output then starts with its rightmost\n"
-           "character); --mirror: mirrored characters at odd levels take their partners; --codes:\n"
-           "print code points instead of text. Text is UTF-8.\n");
-    return status;
-}
-
 }  // namespace
 
 int RunBidi(const Args& args) {
-    if (WantsHelp(args)) return BidiUsage(0);
     LineOptions options;
     int status = 0;
-    if (!ReadLine(args, false, options, status)) return status == 2 ? BidiUsage(2) : status;
+    if (!ReadLine(args, false, options, status)) return status;
     std::u16string text = options.text;
     const DWORD count = static_cast<DWORD>(text.size());
     std::vector<WORD> levels(text.size() + 1);
-    if (count && BidiString(text.data(), count, nullptr, levels.data(), options.mirror, options.rtl ? 1 : 0) != count) {
-        fprintf(stderr, "zel bidi: out of memory\n");
-        return 1;
-    }
+    if (count && BidiString(text.data(), count, nullptr, levels.data(), options.mirror, options.rtl ? 1 : 0) != count)
+        return Fail("out of memory");
     printf("%s\n", ToUtf8(text.c_str()).c_str());
     for (DWORD i = 0; i < count; ++i) printf("%u", static_cast<unsigned>(levels[i]));
     printf("\n");
@@ -82,10 +71,9 @@ int RunBidi(const Args& args) {
 }
 
 int RunShape(const Args& args) {
-    if (WantsHelp(args)) return ShapeUsage(0);
     LineOptions options;
     int status = 0;
-    if (!ReadLine(args, true, options, status)) return status == 2 ? ShapeUsage(2) : status;
+    if (!ReadLine(args, true, options, status)) return status;
     const DWORD count = static_cast<DWORD>(options.text.size());
     std::vector<WCHAR> shaped(options.text.size() + 1, 0);
     if (count) ShapeString(shaped.data(), options.text.data(), count, nullptr, nullptr, options.mirror, options.rtl ? 1 : 0);

@@ -11,6 +11,7 @@ struct Command {
     const char* name;
     const char* summary;
     int (*run)(const Args& args);
+    const char* usage;  // what zel NAME --help prints, and a misuse after its one line
 };
 
 int RunDemo(const Args& args);
@@ -37,6 +38,35 @@ int RunPaths(const Args& args);
 int RunError(const Args& args);
 int RunLocale(const Args& args);
 int RunDefined(const Args& args);
+
+// Their usage texts.
+extern const char kDemoUsage[];
+extern const char kModulesUsage[];
+extern const char kUtfUsage[];
+extern const char kBase64Usage[];
+extern const char kHexUsage[];
+extern const char kKanaUsage[];
+extern const char kWidthUsage[];
+extern const char kBidiUsage[];
+extern const char kShapeUsage[];
+extern const char kPathUsage[];
+extern const char kSysUsage[];
+extern const char kConvUsage[];
+extern const char kCodeTablesUsage[];
+extern const char kKCharUsage[];
+extern const char kSortKeyUsage[];
+extern const char kJamoUsage[];
+extern const char kPuaUsage[];
+extern const char kRegUsage[];
+extern const char kIniUsage[];
+extern const char kProfileUsage[];
+extern const char kPathsUsage[];
+extern const char kErrorUsage[];
+extern const char kLocaleUsage[];
+extern const char kDefinedUsage[];
+
+// zel --version.
+int ShowVersion();
 
 // Every subcommand, in the order zel --help lists them.
 const std::vector<Command>& Commands();

@@ -4,39 +4,35 @@
 #include <zel/paths.h>
 
 #include <cstdio>
-#include <cstdlib>
 #include <string>
 #include <vector>
 
 #include "commands.h"
 #include "input.h"
+#include "numbers.h"
+#include "report.h"
 #include "text.h"
+
+const char kConvUsage[] =
+    "Usage: zel conv -f FROM -t TO [--system] [FILE | -]\n\n"
+    "Converts a file or standard input from one code page to another and writes the result\n"
+    "to standard output. FROM and TO are code page numbers (949, 1361, 932, 936, 950, or any\n"
+    "that the system converts) or utf-8. Code pages with a code table file in the library's\n"
+    "Code directory convert through it; --system takes the system's conversion instead.\n";
+
+const char kCodeTablesUsage[] =
+    "Usage: zel codetables\n\n"
+    "The library's Code directory, the code table files in it with their numbers, and the\n"
+    "state of each group after a first use: ready, failed (or missing), not tried.\n";
 
 namespace {
 
-int ConvUsage(int status) {
-    printf("Usage: zel conv -f FROM -t TO [--system] [FILE | -]\n\n"
-           "Converts a file or standard input from one code page to another and writes the result\n"
-           "to standard output. FROM and TO are code page numbers (949, 1361, 932, 936, 950, or any\n"
-           "that the system converts) or utf-8. Code pages with a code table file in the library's\n"
-           "Code directory convert through it; --system takes the system's conversion instead.\n");
-    return status;
-}
-
-int TablesUsage(int status) {
-    printf("Usage: zel codetables\n\n"
-           "The library's Code directory, the code table files in it with their numbers, and the\n"
-           "state of each group after a first use: ready, failed (or missing), not tried.\n");
-    return status;
-}
-
 bool IsUtf8(const std::string& name) { return name == "utf-8" || name == "utf8" || name == "UTF-8"; }
 
-bool ParseCodePage(const std::string& name, DWORD* codePage) {
+bool ParseCodePage(const std::string& option, const std::string& name, DWORD* codePage, std::string& problem) {
     if (IsUtf8(name)) return true;
-    char* end = nullptr;
-    unsigned long value = std::strtoul(name.c_str(), &end, 10);
-    if (name.empty() || *end || value > 0xFFFF) return false;
+    long long value = 0;
+    if (!ParseNumber("the code page of " + option, name, 0, 0xFFFF, NumberBase::kDecimal, value, problem)) return false;
     *codePage = static_cast<DWORD>(value);
     return true;
 }
@@ -77,31 +73,39 @@ bool UsesTable(DWORD codePage) {
 }  // namespace
 
 int RunConv(const Args& args) {
-    if (WantsHelp(args)) return ConvUsage(0);
-    std::string from, to, file = "-";
+    std::string from, to, file;
     bool system = false;
     for (size_t i = 0; i < args.size(); ++i) {
-        if ((args[i] == "-f" || args[i] == "-t") && i + 1 < args.size()) {
-            std::string& target = args[i] == "-f" ? from : to;
-            target = args[++i];
+        if (args[i] == "-f" || args[i] == "-t") {
+            if (i + 1 == args.size()) return Misuse(args[i] + " takes a code page");
+            (args[i] == "-f" ? from : to) = args[++i];
         } else if (args[i] == "--system") {
             system = true;
+        } else if (args[i].size() > 1 && args[i][0] == '-') {
+            return Misuse("unknown option " + args[i]);
+        } else if (!file.empty()) {
+            return Misuse("one input at most: " + file + " and " + args[i]);
         } else {
             file = args[i];
         }
     }
+    if (from.empty() || to.empty()) return Misuse("both -f FROM and -t TO are needed");
     DWORD fromPage = 0, toPage = 0;
-    if (from.empty() || to.empty() || !ParseCodePage(from, &fromPage) || !ParseCodePage(to, &toPage))
-        return ConvUsage(2);
-    auto input = ReadInput(file);
+    std::string problem;
+    if (!ParseCodePage("-f", from, &fromPage, problem) || !ParseCodePage("-t", to, &toPage, problem))
+        return Fail(problem);
+    auto input = ReadInput(file.empty() ? "-" : file);
     if (!input) return 1;
-    const std::string output = Encode(Decode(*input, from, fromPage, system), to, toPage, system);
+    const std::u16string text = Decode(*input, from, fromPage, system);
+    if (text.empty() && !input->empty()) return Fail("nothing converts from code page " + from);
+    const std::string output = Encode(text, to, toPage, system);
+    if (output.empty() && !text.empty()) return Fail("nothing converts to code page " + to);
     fwrite(output.data(), 1, output.size(), stdout);
     return 0;
 }
 
 int RunCodeTables(const Args& args) {
-    if (!args.empty()) return TablesUsage(WantsHelp(args) ? 0 : 2);
+    if (!args.empty()) return Misuse("no arguments are taken");
     WCHAR directory[MAX_PATH];
     ZelPathToAbsolute(u"${Common}\\Code", directory);
     printf("directory %s\n", ToUtf8(directory).c_str());

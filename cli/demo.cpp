@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "commands.h"
+#include "report.h"
 #include "text.h"
 
 namespace {
@@ -370,11 +371,12 @@ void IniFile() {
 
 }  // namespace
 
+const char kDemoUsage[] =
+    "Usage: zel demo\n\n"
+    "Runs the bundled samples through the library's services and shows the results.\n";
+
 int RunDemo(const Args& args) {
-    if (!args.empty()) {
-        printf("Usage: zel demo\n\nRuns the bundled samples through the library's services and shows the results.\n");
-        return args[0] == "--help" ? 0 : 2;
-    }
+    if (!args.empty()) return Misuse("no arguments are taken");
     printf("ZelBL70KT demo\n\n");
     ModuleFrame();
     Strings();

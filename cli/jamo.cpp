@@ -6,25 +6,24 @@
 #include <string>
 
 #include "commands.h"
+#include "report.h"
 #include "input.h"
 #include "text.h"
+
+const char kJamoUsage[] =
+    "Usage: zel jamo ks|pua|join [--codes] [TEXT | -]\n\n"
+    "ks    each Hangul syllable or Jamo into its KS Jamo (the filler for a missing Jamo is left out)\n"
+    "pua   each Hangul syllable or Jamo into its three private-use Jamo\n"
+    "join  KS Jamo into syllables: an initial, a vowel and a final unless a vowel follows it;\n"
+    "      U+3164 stands for a missing Jamo. A sequence without a character comes out as its\n"
+    "      private-use Jamo.\n\n"
+    "--codes  print code points (U+XXXX) instead of text\n"
+    "Other characters pass through. Text is UTF-8 on the command line and on standard input\n"
+    "and output.\n";
 
 namespace {
 
 constexpr WCHAR kCompatFiller = 0x3164;
-
-int Usage(int status) {
-    printf("Usage: zel jamo ks|pua|join [--codes] [TEXT | -]\n\n"
-           "ks    each Hangul syllable or Jamo into its KS Jamo (the filler for a missing Jamo is left out)\n"
-           "pua   each Hangul syllable or Jamo into its three private-use Jamo\n"
-           "join  KS Jamo into syllables: an initial, a vowel and a final unless a vowel follows it;\n"
-           "      U+3164 stands for a missing Jamo. A sequence without a character comes out as its\n"
-           "      private-use Jamo.\n\n"
-           "--codes  print code points (U+XXXX) instead of text\n"
-           "Other characters pass through. Text is UTF-8 on the command line and on standard input\n"
-           "and output.\n");
-    return status;
-}
 
 bool IsHangul(WCHAR c) {
     return (c >= 0xAC00 && c <= 0xD7A3) || (c >= 0x1100 && c <= 0x11FF) || (c >= 0x3131 && c <= 0x318E) ||
@@ -103,10 +102,8 @@ std::string Codes(const std::u16string& text) {
 }  // namespace
 
 int RunJamo(const Args& args) {
-    if (WantsHelp(args)) return Usage(0);
-    if (args.empty()) return Usage(2);
+    if (args.empty() || (args[0] != "ks" && args[0] != "pua" && args[0] != "join")) return ActionMisuse(args, {});
     const std::string& mode = args[0];
-    if (mode != "ks" && mode != "pua" && mode != "join") return Usage(2);
     size_t first = 1;
     const bool codes = args.size() > 1 && args[1] == "--codes";
     if (codes) ++first;

@@ -7,33 +7,26 @@
 #include <vector>
 
 #include "commands.h"
+#include "report.h"
 #include "input.h"
 #include "text.h"
 
-namespace {
+const char kKanaUsage[] =
+    "Usage: zel kana full|half|hiragana|katakana [TEXT | -]\n\n"
+    "full      half-width Katakana to full-width Katakana, sound marks joined to their kana\n"
+    "half      Hiragana and full-width Katakana to half-width Katakana\n"
+    "hiragana  Katakana of either width to Hiragana\n"
+    "katakana  Hiragana and half-width Katakana to full-width Katakana\n\n"
+    "Text is UTF-8 on the command line and on standard input and output.\n";
 
-int KanaUsage(int status) {
-    printf("Usage: zel kana full|half|hiragana|katakana [TEXT | -]\n\n"
-           "full      half-width Katakana to full-width Katakana, sound marks joined to their kana\n"
-           "half      Hiragana and full-width Katakana to half-width Katakana\n"
-           "hiragana  Katakana of either width to Hiragana\n"
-           "katakana  Hiragana and half-width Katakana to full-width Katakana\n\n"
-           "Text is UTF-8 on the command line and on standard input and output.\n");
-    return status;
-}
-
-int WidthUsage(int status) {
-    printf("Usage: zel width full|half [TEXT | -]\n\n"
-           "Exchanges each character that has one for its full-width (full) or half-width (half)\n"
-           "form: ASCII, the space, half-width Katakana and a few symbols.\n");
-    return status;
-}
-
-}  // namespace
+const char kWidthUsage[] =
+    "Usage: zel width full|half [TEXT | -]\n\n"
+    "Exchanges each character that has one for its full-width (full) or half-width (half)\n"
+    "form: ASCII, the space, half-width Katakana and a few symbols.\n";
 
 int RunKana(const Args& args) {
-    if (WantsHelp(args)) return KanaUsage(0);
-    if (args.empty()) return KanaUsage(2);
+    if (args.empty() || (args[0] != "full" && args[0] != "half" && args[0] != "hiragana" && args[0] != "katakana"))
+        return ActionMisuse(args, {});
     auto input = LineArgument(args, 1);
     if (!input) return 1;
     const std::u16string text = FromUtf8(*input);
@@ -42,16 +35,14 @@ int RunKana(const Args& args) {
     int written;
     if (args[0] == "full" || args[0] == "katakana") written = ToLargeKanaStr(text.c_str(), count, output.data(), 1);
     else if (args[0] == "hiragana") written = ToLargeKanaStr(text.c_str(), count, output.data(), 0);
-    else if (args[0] == "half") written = ToSmallKanaStr(text.c_str(), count, output.data());
-    else return KanaUsage(2);
+    else written = ToSmallKanaStr(text.c_str(), count, output.data());
     output[static_cast<size_t>(written)] = 0;
     printf("%s\n", ToUtf8(output.data()).c_str());
     return 0;
 }
 
 int RunWidth(const Args& args) {
-    if (WantsHelp(args)) return WidthUsage(0);
-    if (args.empty() || (args[0] != "full" && args[0] != "half")) return WidthUsage(2);
+    if (args.empty() || (args[0] != "full" && args[0] != "half")) return ActionMisuse(args, {});
     auto input = LineArgument(args, 1);
     if (!input) return 1;
     std::u16string text = FromUtf8(*input);

@@ -2,14 +2,25 @@
 #include <zel/codetables.h>
 
 #include <cstdio>
-#include <cstdlib>
 #include <sstream>
 #include <string>
 #include <vector>
 
 #include "commands.h"
+#include "numbers.h"
+#include "report.h"
 #include "input.h"
 #include "text.h"
+
+const char kKCharUsage[] =
+    "Usage: zel kchar to [--flags LIST] [TEXT | -]\n"
+    "       zel kchar from [--flags LIST] [UNIT ... | -]\n\n"
+    "to    UTF-8 text to KChar units, written in hexadecimal\n"
+    "from  KChar units in hexadecimal (0x optional) to UTF-8 text; old Hangul without a single\n"
+    "      character comes out as a sequence of private-use Jamo\n\n"
+    "LIST  names joined by commas: symbol, hanja, hangul, oldhangul, and the language variants\n"
+    "      of Hanja chs, jpn, kor, cht; \"all\" is symbol,hanja,hangul,oldhangul (the default).\n"
+    "An unmapped character is 0x3441 as KChar and U+FFFD as text.\n";
 
 namespace {
 
@@ -26,18 +37,6 @@ constexpr FlagName kFlagNames[] = {
     {"hangul", KConvHangul}, {"oldhangul", KConvOldHangul}, {"all", kDefaultFlags},
 };
 
-int Usage(int status) {
-    printf("Usage: zel kchar to [--flags LIST] [TEXT | -]\n"
-           "       zel kchar from [--flags LIST] [UNIT ... | -]\n\n"
-           "to    UTF-8 text to KChar units, written in hexadecimal\n"
-           "from  KChar units in hexadecimal (0x optional) to UTF-8 text; old Hangul without a single\n"
-           "      character comes out as a sequence of private-use Jamo\n\n"
-           "LIST  names joined by commas: symbol, hanja, hangul, oldhangul, and the language variants\n"
-           "      of Hanja chs, jpn, kor, cht; \"all\" is symbol,hanja,hangul,oldhangul (the default).\n"
-           "An unmapped character is 0x3441 as KChar and U+FFFD as text.\n");
-    return status;
-}
-
 bool ParseFlags(const std::string& list, DWORD* flags) {
     *flags = 0;
     std::stringstream names(list);
@@ -50,21 +49,14 @@ bool ParseFlags(const std::string& list, DWORD* flags) {
                 known = true;
             }
         }
-        if (!known) {
-            fprintf(stderr, "zel kchar: unknown flag '%s'\n", name.c_str());
-            return false;
-        }
+        if (!known) return Fail("unknown flag '" + name + "'"), false;
     }
     return true;
 }
 
-bool ParseUnit(const std::string& word, KChar* unit) {
-    std::string digits = word;
-    if (digits.size() > 2 && digits[0] == '0' && (digits[1] == 'x' || digits[1] == 'X')) digits = digits.substr(2);
-    if (digits.empty() || digits.size() > 4) return false;
-    char* end = nullptr;
-    const unsigned long value = std::strtoul(digits.c_str(), &end, 16);
-    if (*end != 0) return false;
+bool ParseUnit(const std::string& word, KChar* unit, std::string& problem) {
+    long long value = 0;
+    if (!ParseNumber("the unit", word, 0, 0xFFFF, NumberBase::kHex, value, problem)) return false;
     *unit = static_cast<KChar>(value);
     return true;
 }
@@ -90,10 +82,8 @@ int FromKChar(DWORD flags, const Args& args, size_t first) {
     std::string word;
     while (words >> word) {
         KChar unit = 0;
-        if (!ParseUnit(word, &unit)) {
-            fprintf(stderr, "zel kchar: '%s' is not a 16-bit hexadecimal unit\n", word.c_str());
-            return 2;
-        }
+        std::string problem;
+        if (!ParseUnit(word, &unit, problem)) return Fail(problem);
         units.push_back(unit);
     }
     units.push_back(0);
@@ -108,13 +98,12 @@ int FromKChar(DWORD flags, const Args& args, size_t first) {
 }  // namespace
 
 int RunKChar(const Args& args) {
-    if (WantsHelp(args)) return Usage(0);
-    if (args.empty() || (args[0] != "to" && args[0] != "from")) return Usage(2);
+    if (args.empty() || (args[0] != "to" && args[0] != "from")) return ActionMisuse(args, {});
     DWORD flags = kDefaultFlags;
     size_t first = 1;
     if (args.size() > 1 && args[1] == "--flags") {
-        if (args.size() < 3) return Usage(2);
-        if (!ParseFlags(args[2], &flags)) return 2;
+        if (args.size() < 3) return Misuse("--flags takes a list of names");
+        if (!ParseFlags(args[2], &flags)) return 1;
         first = 3;
     }
     return args[0] == "to" ? ToKChar(flags, args, first) : FromKChar(flags, args, first);

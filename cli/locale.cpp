@@ -5,16 +5,17 @@
 #include <cstdio>
 
 #include "commands.h"
-#include "input.h"
+#include "report.h"
 #include "text.h"
 
+const char kLocaleUsage[] =
+    "Usage: zel locale\n\n"
+    "The user's language id and code page (the suite's setting, else the system's\n"
+    "language; the code page only when set), the extension of the library's resource\n"
+    "file, the system language's extension, and the layout direction.\n";
+
 int RunLocale(const Args& args) {
-    if (!args.empty()) {
-        printf("Usage: zel locale\n\nThe user's language id and code page (the suite's setting, else the system's\n"
-               "language; the code page only when set), the extension of the library's resource\n"
-               "file, the system language's extension, and the layout direction.\n");
-        return WantsHelp(args) ? 0 : 2;
-    }
+    if (!args.empty()) return Misuse("no arguments are taken");
     WCHAR resourceExt[MAX_PATH] = {};
     ZelGetResourceExt(0xFFFF, resourceExt);
     WCHAR systemExt[MAX_PATH] = {};

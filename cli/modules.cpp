@@ -4,14 +4,16 @@
 #include <cstdio>
 
 #include "commands.h"
+#include "report.h"
 #include "text.h"
 
+const char kModulesUsage[] =
+    "Usage: zel modules\n\n"
+    "Lists the records in the module table of this process: slot, module id, name\n"
+    "and flags. Only the library's own record is there unless a module registers.\n";
+
 int RunModules(const Args& args) {
-    if (!args.empty()) {
-        printf("Usage: zel modules\n\nLists the records in the module table of this process: slot, module id, name\n"
-               "and flags. Only the library's own record is there unless a module registers.\n");
-        return args[0] == "--help" ? 0 : 2;
-    }
+    if (!args.empty()) return Misuse("no arguments are taken");
     for (int position = ZelGetFirstModule(); position != 0;) {
         const int slot = position - 1;
         ZelModuleDef* module = ZelGetNextModule(&position);

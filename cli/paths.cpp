@@ -5,8 +5,14 @@
 #include <string>
 
 #include "commands.h"
-#include "input.h"
+#include "report.h"
 #include "text.h"
+
+const char kPathsUsage[] =
+    "Usage: zel paths\n\n"
+    "The paths registered when the library starts, in table order, as NAME=VALUE:\n"
+    "the directories of the program and the library, shared data, temporary files\n"
+    "(TMP, then TEMP), user data, and the language extensions.\n";
 
 namespace {
 
@@ -17,12 +23,7 @@ constexpr const WCHAR* kDefaultNames[] = {u"App",      u"Common",      u"Zel",  
 }  // namespace
 
 int RunPaths(const Args& args) {
-    if (!args.empty()) {
-        printf("Usage: zel paths\n\nThe paths registered when the library starts, in table order, as NAME=VALUE:\n"
-               "the directories of the program and the library, shared data, temporary files\n"
-               "(TMP, then TEMP), user data, and the language extensions.\n");
-        return WantsHelp(args) ? 0 : 2;
-    }
+    if (!args.empty()) return Misuse("no arguments are taken");
     for (const WCHAR* name : kDefaultNames) {
         if (!ZelIsRegisterPath(name)) continue;
         WCHAR value[MAX_PATH];

@@ -1,33 +1,30 @@
 // zel profile: sections, keys and values of the system's 8-bit INI files, through the profile calls.
 #include <zel/settings.h>
 
+#include <cerrno>
 #include <cstdio>
 #include <string>
 #include <vector>
 
 #include "commands.h"
 #include "input.h"
+#include "limits.h"
+#include "report.h"
 #include "text.h"
 
+const char kProfileUsage[] =
+    "Usage: zel profile ACTION FILE [ARGUMENTS]\n\n"
+    "get FILE SECTION KEY [DEFAULT]   the value of KEY, or DEFAULT when it is missing\n"
+    "set FILE SECTION KEY VALUE       write a value; a missing file is made\n"
+    "sections FILE                    the sections of FILE, one a line\n"
+    "keys FILE SECTION                the keys of SECTION, one a line\n"
+    "delete FILE SECTION [KEY]        the key KEY, or SECTION with all its keys\n\n"
+    "FILE is an INI file in the ANSI code page (ZEL_ACP). \"win.ini\" or \"\" is the profile of\n"
+    "the Windows directory ($XDG_CONFIG_HOME/Morvalis/Windows), and so is any other name\n"
+    "without a directory: write ./NAME for a file in the current directory. FILE holds 259\n"
+    "characters at most.\n";
+
 namespace {
-
-int Usage(int status) {
-    printf("Usage: zel profile ACTION FILE [ARGUMENTS]\n\n"
-           "get FILE SECTION KEY [DEFAULT]   the value of KEY, or DEFAULT when it is missing\n"
-           "set FILE SECTION KEY VALUE       write a value; a missing file is made\n"
-           "sections FILE                    the sections of FILE, one a line\n"
-           "keys FILE SECTION                the keys of SECTION, one a line\n"
-           "delete FILE SECTION [KEY]        the key KEY, or SECTION with all its keys\n\n"
-           "FILE is an INI file in the ANSI code page (ZEL_ACP). \"win.ini\" or \"\" is the profile of\n"
-           "the Windows directory ($XDG_CONFIG_HOME/Morvalis/Windows), and so is any other name\n"
-           "without a directory: write ./NAME for a file in the current directory.\n");
-    return status;
-}
-
-int Fail(const std::string& message) {
-    fprintf(stderr, "zel profile: %s\n", message.c_str());
-    return 1;
-}
 
 // The profile file that an argument names: null for win.ini.
 struct ProfileName {
@@ -93,25 +90,27 @@ int Get(const ProfileName& file, const std::string& section, const std::string& 
 }  // namespace
 
 int RunProfile(const Args& args) {
-    if (args.empty()) return Usage(2);
-    if (WantsHelp(args)) return Usage(0);
-    if (args.size() < 2) return Usage(2);
-    const std::string& action = args[0];
+    const size_t count = args.size();
+    const std::string action = args.empty() ? "" : args[0];
+    const bool known = (action == "sections" && count == 2) || (action == "keys" && count == 3) ||
+                       (action == "get" && (count == 4 || count == 5)) || (action == "set" && count == 5) ||
+                       (action == "delete" && (count == 3 || count == 4));
+    if (!known) return ActionMisuse(args, {"get", "set", "sections", "keys", "delete"});
+    if (!PathFits("file", args[1]) || !NotADirectory(args[1])) return 1;
     const ProfileName file = NameOf(args[1]);
-    if (action == "sections" && args.size() == 2) return PrintList(Read(file, nullptr, nullptr, nullptr));
-    if (action == "keys" && args.size() == 3) return PrintList(Read(file, FromUtf8(args[2]).c_str(), nullptr, nullptr));
-    if (action == "get" && (args.size() == 4 || args.size() == 5))
-        return Get(file, args[2], args[3], args.size() == 5 ? &args[4] : nullptr);
-    if (action == "set" && args.size() == 5) {
+    const std::string shown = file.isWinIni ? std::string("win.ini") : args[1];
+    if (action == "sections") return PrintList(Read(file, nullptr, nullptr, nullptr));
+    if (action == "keys") return PrintList(Read(file, FromUtf8(args[2]).c_str(), nullptr, nullptr));
+    if (action == "get") return Get(file, args[2], args[3], count == 5 ? &args[4] : nullptr);
+    if (action == "set") {
+        errno = 0;
         if (!Write(file, FromUtf8(args[2]).c_str(), FromUtf8(args[3]).c_str(), FromUtf8(args[4]).c_str()))
-            return Fail("could not write " + (file.isWinIni ? std::string("win.ini") : args[1]));
+            return Fail("could not write " + shown + ": " + LastErrorText());
         return 0;
     }
-    if (action == "delete" && (args.size() == 3 || args.size() == 4)) {
-        const std::u16string key = args.size() == 4 ? FromUtf8(args[3]) : u"";
-        if (!Write(file, FromUtf8(args[2]).c_str(), args.size() == 4 ? key.c_str() : nullptr, nullptr))
-            return Fail("could not change " + (file.isWinIni ? std::string("win.ini") : args[1]));
-        return 0;
-    }
-    return Usage(2);
+    const std::u16string key = count == 4 ? FromUtf8(args[3]) : u"";
+    errno = 0;
+    if (!Write(file, FromUtf8(args[2]).c_str(), count == 4 ? key.c_str() : nullptr, nullptr))
+        return Fail("could not change " + shown + ": " + LastErrorText());
+    return 0;
 }

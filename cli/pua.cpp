@@ -7,32 +7,27 @@
 #include <vector>
 
 #include "commands.h"
+#include "report.h"
 #include "input.h"
 #include "text.h"
 
-namespace {
-
-int PuaUsage(int status) {
-    printf("Usage: zel pua to|from [--units] [TEXT | -]\n\n"
-           "to       the library's characters U+A000 to U+A8FF to their outside form: U+A700 to\n"
-           "         U+A7FF by the Yi table, U+A400 to U+A403 as Latin letters with tone marks, and\n"
-           "         the rest as U+F0000 to U+F08FF\n"
-           "from     plane 15 and the Yi table's code points back to U+A000 to U+A8FF\n"
-           "--units  writes the 16-bit units of the result in hexadecimal instead of the text\n\n"
-           "Without the Yi table (u???_zel.dat in ${Common}\\Code) text passes through.\n"
-           "Text is UTF-8 on the command line and on standard input and output.\n");
-    return status;
-}
-
-}  // namespace
+const char kPuaUsage[] =
+    "Usage: zel pua to|from [--units] [TEXT | -]\n\n"
+    "to       the library's characters U+A000 to U+A8FF to their outside form: U+A700 to\n"
+    "         U+A7FF by the Yi table, U+A400 to U+A403 as Latin letters with tone marks, and\n"
+    "         the rest as U+F0000 to U+F08FF\n"
+    "from     plane 15 and the Yi table's code points back to U+A000 to U+A8FF\n"
+    "--units  writes the 16-bit units of the result in hexadecimal instead of the text\n\n"
+    "Without the Yi table (u???_zel.dat in ${Common}\\Code) text passes through.\n"
+    "Text is UTF-8 on the command line and on standard input and output.\n";
 
 int RunPua(const Args& args) {
-    if (WantsHelp(args)) return PuaUsage(0);
-    if (args.empty() || (args[0] != "to" && args[0] != "from")) return PuaUsage(2);
+    if (args.empty() || (args[0] != "to" && args[0] != "from")) return ActionMisuse(args, {});
     size_t first = 1;
     const bool units = args.size() > 1 && args[1] == "--units";
     if (units) ++first;
-    if (args.size() > first && args[first].size() > 1 && args[first][0] == '-') return PuaUsage(2);
+    if (args.size() > first && args[first].size() > 1 && args[first][0] == '-')
+        return Misuse("unknown option " + args[first]);
     auto input = LineArgument(args, first);
     if (!input) return 1;
 

@@ -10,32 +10,60 @@
 
 #include "commands.h"
 #include "input.h"
+#include "limits.h"
+#include "numbers.h"
+#include "report.h"
+#include "safe_write.h"
 #include "registry_text.h"
 #include "text.h"
 
+const char kRegUsage[] =
+    "Usage: zel reg ACTION [ARGUMENTS]\n\n"
+    "list KEY                  the sub-keys and values of KEY\n"
+    "get KEY NAME              one value of KEY\n"
+    "set [--volatile] KEY NAME TYPE VALUE\n"
+    "                          write a value; TYPE is sz, dword (0 to 0xFFFFFFFF, decimal or 0x hex)\n"
+    "                          or binary (VALUE in hex digits); --volatile makes a missing KEY\n"
+    "                          volatile: it lasts until the login session ends, and a key below a\n"
+    "                          volatile key must be volatile too\n"
+    "delete KEY [NAME]         the value NAME of KEY, or KEY with everything below it\n"
+    "save KEY FILE             KEY with everything below it to a registry file\n"
+    "load FILE                 a registry file back into the registry, where it was saved from\n"
+    "dump FILE                 the header and sections of a registry file\n\n"
+    "KEY begins with HKCU or HKLM (or HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE, HKCR) and a\n"
+    "backslash; below the hive it holds 519 characters at most, 255 a name. An empty NAME is the\n"
+    "key's unnamed value; a NAME holds 259 bytes at most in the ANSI code page. Registry files hold\n"
+    "keys below HKCU whose paths and names fit in 259 bytes; save writes a new copy beside FILE,\n"
+    "reads it back and only then puts it in the old one's place.\n"
+    "ZEL_REGISTRY_DIR names the directory of the registry's files.\n";
+
 namespace {
 
-int Usage(int status) {
-    printf("Usage: zel reg ACTION [ARGUMENTS]\n\n"
-           "list KEY                  the sub-keys and values of KEY\n"
-           "get KEY NAME              one value of KEY\n"
-           "set [--volatile] KEY NAME TYPE VALUE\n"
-           "                          write a value; TYPE is sz, dword or binary (VALUE in hex digits);\n"
-           "                          --volatile makes a missing KEY volatile: it lasts until the login\n"
-           "                          session ends, and a key below a volatile key must be volatile too\n"
-           "delete KEY [NAME]         the value NAME of KEY, or KEY with everything below it\n"
-           "save KEY FILE             KEY with everything below it to a registry file\n"
-           "load FILE                 a registry file back into the registry, where it was saved from\n"
-           "dump FILE                 the header and sections of a registry file\n\n"
-           "KEY begins with HKCU or HKLM (or HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE, HKCR) and a\n"
-           "backslash; registry files hold keys below HKCU. An empty NAME is the key's unnamed value.\n"
-           "ZEL_REGISTRY_DIR names the directory of the registry's files.\n");
-    return status;
+// Each text of a registry file, and each value name, holds this many ANSI bytes.
+constexpr size_t kFileTextBytes = 259;
+// One name in a key path.
+constexpr size_t kKeyNameUnits = 255;
+
+// The key of an argument, refused when it is no key or longer than the registry class holds.
+bool KeyOf(const std::string& text, RegistryPath& path) {
+    if (!ParseRegistryPath(text, path)) return Fail("a key begins with HKCU\\ or HKLM\\: " + text), false;
+    if (!Fits("the key path " + text, path.path, kKeyPathUnits, "below its hive, a key path holds")) return false;
+    for (size_t start = 0; start <= path.path.size();) {
+        size_t end = path.path.find(u'\\', start);
+        if (end == std::u16string::npos) end = path.path.size();
+        if (!Fits("a name in " + text, path.path.substr(start, end - start), kKeyNameUnits, "a key's name holds"))
+            return false;
+        start = end + 1;
+    }
+    return true;
 }
 
-int Fail(const std::string& message) {
-    fprintf(stderr, "zel reg: %s\n", message.c_str());
-    return 1;
+bool NameFits(const std::string& what, const std::u16string& name) {
+    const size_t bytes = AnsiBytes(name);
+    if (bytes <= kFileTextBytes) return true;
+    Fail(what + " is " + std::to_string(bytes) + " bytes long in the ANSI code page; the registry's names and " +
+         "the texts of a registry file hold at most 259");
+    return false;
 }
 
 HKEY OpenForReading(const RegistryPath& path) {
@@ -90,12 +118,8 @@ bool ValueBytes(const std::string& type, const std::string& value, DWORD& regTyp
         return true;
     }
     if (type == "dword") {
-        char* end = nullptr;
-        unsigned long number = strtoul(value.c_str(), &end, 0);
-        if (value.empty() || *end || number > 0xFFFFFFFFul || value[0] == '-') {
-            problem = "not a 32-bit number: " + value;
-            return false;
-        }
+        long long number = 0;
+        if (!ParseNumber("the dword", value, 0, 0xFFFFFFFF, NumberBase::kDecimalOrHex, number, problem)) return false;
         const DWORD dword = static_cast<DWORD>(number);
         regType = REG_DWORD;
         bytes.resize(sizeof dword);
@@ -118,6 +142,7 @@ int Set(const RegistryPath& path, const std::string& name, const std::string& ty
     DWORD regType = 0;
     std::vector<BYTE> bytes;
     std::string problem;
+    if (!NameFits("the value name '" + name + "'", FromUtf8(name))) return 1;
     if (!ValueBytes(type, value, regType, bytes, problem)) return Fail(problem);
     HKEY key = nullptr;
     DWORD disposition = 0;
@@ -152,19 +177,78 @@ int Delete(const RegistryPath& path, const Args& args) {
     return registry.DeleteSubKey(own.c_str()) ? 0 : Fail("could not delete " + path.text);
 }
 
+// What a save of a key should write: one section for each key with values, and the values.
+struct TreeShape {
+    size_t sections = 0;
+    size_t values = 0;
+};
+
+// Walks the key named name below parent, whose section path is relative, as a save does; false
+// with a problem when a text of the file would pass what a load reads back.
+bool Walk(HKEY parent, const std::u16string& name, const std::u16string& relative, TreeShape& shape,
+          std::string& problem) {
+    if (AnsiBytes(relative) > kFileTextBytes)
+        return problem = "the path " + ToUtf8(relative.c_str()) + " is longer than the 259 bytes of a file's text", false;
+    HKEY key = nullptr;
+    if (ZelRegOpenKeyEx(parent, name.c_str(), 0, KEY_READ, &key) != ERROR_SUCCESS)
+        return problem = "cannot open " + ToUtf8(relative.c_str()), false;
+    WCHAR child[MAX_PATH];
+    bool fits = true;
+    for (DWORD index = 0; fits && ZelRegEnumKey(key, index, child, MAX_PATH) == ERROR_SUCCESS; ++index)
+        fits = Walk(key, child, relative + u"\\" + child, shape, problem);
+    size_t values = 0;
+    for (DWORD index = 0; fits; ++index, ++values) {
+        DWORD length = MAX_PATH;
+        if (ZelRegEnumValue(key, index, child, &length, nullptr, nullptr, nullptr, nullptr) != ERROR_SUCCESS) break;
+        if (AnsiBytes(child) > kFileTextBytes)
+            fits = (problem = "a value name in " + ToUtf8(relative.c_str()) + " passes 259 bytes", false);
+    }
+    ZelRegCloseKey(key);
+    shape.sections += values ? 1 : 0;
+    shape.values += values;
+    return fits;
+}
+
+// Whether the file at path reads back whole and holds the shape of the tree.
+bool ReadsBackAs(const TreeShape& shape, const std::string& path, std::string& problem) {
+    auto bytes = ReadInput(path);
+    RegistryFile parsed;
+    if (!bytes || !ParseRegistryFile(*bytes, parsed, problem)) return false;
+    size_t values = 0;
+    for (const RegistryFileSection& section : parsed.sections) values += section.values.size();
+    if (parsed.sections.size() == shape.sections && values == shape.values) return true;
+    problem = std::to_string(parsed.sections.size()) + " sections of " + std::to_string(values) + " values where " +
+              std::to_string(shape.sections) + " of " + std::to_string(shape.values) + " were saved";
+    return false;
+}
+
 int Save(const RegistryPath& path, const std::string& file) {
     if (path.root != HKEY_CURRENT_USER) return Fail("a registry file holds a key below HKCU");
-    if (path.path.find(u'\\') == std::u16string::npos)
+    const size_t cut = path.path.rfind(u'\\');
+    if (cut == std::u16string::npos)
         return Fail("a key directly below the hive can't be saved: name a key below " + path.text);
+    if (!WritableFile(file) || !NameFits("the key path " + path.text, path.path)) return 1;
     HKEY probe = OpenForReading(path);
     if (!probe) return Fail("no key " + path.text);
     ZelRegCloseKey(probe);
-    CZelRegistry registry;
-    if (!registry.SaveToFile(path.path.c_str(), FromUtf8(file).c_str())) return Fail("could not write " + file);
-    return 0;
+    HKEY parent = OpenForReading({path.root, path.path.substr(0, cut), path.text});
+    TreeShape shape;
+    std::string problem;
+    const bool fits = parent && Walk(parent, path.path.substr(cut + 1), path.path.substr(cut + 1), shape, problem);
+    if (parent) ZelRegCloseKey(parent);
+    if (!fits) return Fail(problem.empty() ? "cannot read " + path.text : problem);
+    return WriteBeside(
+        file,
+        [&](const std::string& copy, std::string& failure) {
+            CZelRegistry registry;
+            return registry.SaveToFile(path.path.c_str(), FromUtf8(copy).c_str()) ? true
+                                                                                   : (failure = LastErrorText(), false);
+        },
+        [&](const std::string& copy, std::string& failure) { return ReadsBackAs(shape, copy, failure); });
 }
 
 int Load(const std::string& file) {
+    if (!PathFits("file", file)) return 1;
     std::optional<std::string> bytes = ReadInput(file);
     if (!bytes) return 1;
     RegistryFile parsed;
@@ -196,23 +280,22 @@ int Dump(const std::string& file) {
 }  // namespace
 
 int RunReg(const Args& args) {
-    if (args.empty()) return Usage(2);
-    if (WantsHelp(args)) return Usage(0);
+    if (args.empty()) return Misuse("no action given");
     const std::string& action = args[0];
     if (action == "dump" && args.size() == 2) return Dump(args[1]);
     if (action == "load" && args.size() == 2) return Load(args[1]);
-    if (action == "set" && args.size() == 6 && args[1] == "--volatile") {
-        RegistryPath path;
-        if (!ParseRegistryPath(args[2], path)) return Fail("a key begins with HKCU\\ or HKLM\\: " + args[2]);
-        return Set(path, args[3], args[4], args[5], true);
-    }
-    if (args.size() < 2) return Usage(2);
+    const bool isVolatile = action == "set" && args.size() == 6 && args[1] == "--volatile";
+    const size_t key = isVolatile ? 2 : 1;
+    const size_t count = args.size() - (isVolatile ? 1 : 0);
+    const bool known = (action == "list" && count == 2) || (action == "get" && count == 3) ||
+                       (action == "set" && count == 5) || (action == "delete" && (count == 2 || count == 3)) ||
+                       (action == "save" && count == 3);
+    if (!known) return ActionMisuse(args, {"list", "get", "set", "delete", "save", "load", "dump"});
     RegistryPath path;
-    if (!ParseRegistryPath(args[1], path)) return Fail("a key begins with HKCU\\ or HKLM\\: " + args[1]);
-    if (action == "list" && args.size() == 2) return List(path);
-    if (action == "get" && args.size() == 3) return Get(path, args[2]);
-    if (action == "set" && args.size() == 5) return Set(path, args[2], args[3], args[4], false);
-    if (action == "delete" && (args.size() == 2 || args.size() == 3)) return Delete(path, args);
-    if (action == "save" && args.size() == 3) return Save(path, args[2]);
-    return Usage(2);
+    if (!KeyOf(args[key], path)) return 1;
+    if (action == "list") return List(path);
+    if (action == "get") return NameFits("the value name '" + args[2] + "'", FromUtf8(args[2])) ? Get(path, args[2]) : 1;
+    if (action == "set") return Set(path, args[key + 1], args[key + 2], args[key + 3], isVolatile);
+    if (action == "delete") return Delete(path, args);
+    return Save(path, args[2]);
 }

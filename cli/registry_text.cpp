@@ -83,6 +83,14 @@ std::u16string AnsiToWide(const std::string& text) {
     return wide;
 }
 
+size_t AnsiBytes(const std::u16string& text) {
+    if (text.empty()) return 0;
+    std::vector<char> narrow(text.size() * 4 + 4);
+    const int count = ZelUnicodeToAnsi(0, 0, text.data(), static_cast<int>(text.size()), narrow.data(),
+                                       static_cast<int>(narrow.size()), nullptr);
+    return count > 0 ? static_cast<size_t>(count) : 0;
+}
+
 std::string DescribeValue(DWORD type, const std::vector<BYTE>& data) {
     std::string bytes;
     for (BYTE byte : data) {

@@ -23,6 +23,9 @@ std::string DescribeValue(DWORD type, const std::vector<BYTE>& data);
 // Pairs of hex digits, blanks allowed between pairs.
 bool ParseHexBytes(const std::string& text, std::vector<BYTE>& bytes);
 
+// The length of text in the ANSI code page, as the registry stores it, in bytes.
+size_t AnsiBytes(const std::u16string& text);
+
 // ANSI text of the registry as 16-bit text.
 std::u16string AnsiToWide(const std::string& text);
 

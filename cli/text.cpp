@@ -3,7 +3,9 @@
 #include <zel/frame.h>
 #include <zel/strings.h>
 
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 
 std::string ToUtf8(const WCHAR* text) {
     if (!text) return {};
@@ -51,3 +53,7 @@ std::string SystemErrorText(LONG code) {
     while (!text.empty() && (text.back() == ' ' || text.back() == '\r' || text.back() == '\n')) text.pop_back();
     return text.empty() ? "error " + std::to_string(code) : text;
 }
+
+// The library keeps the last error of its platform calls to itself; the system's error number
+// that such a call leaves behind tells what the system refused.
+std::string LastErrorText() { return errno ? strerror(errno) : "no reason given"; }

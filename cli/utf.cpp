@@ -8,19 +8,18 @@
 
 #include "commands.h"
 #include "input.h"
+#include "report.h"
+
+const char kUtfUsage[] =
+    "Usage: zel utf --from FORM --to FORM [--lenient] [FILE | -]\n\n"
+    "Converts FILE, or standard input, from one form to another and writes the result to\n"
+    "standard output. FORM is utf8, utf16 or utf32; the 16- and 32-bit forms are in the\n"
+    "machine's byte order. Strict by default: a surrogate out of place stops the conversion;\n"
+    "--lenient lets it through. A malformed UTF-8 sequence stops either. On a stop, what was\n"
+    "converted before it is written, the status and the byte offset of the character that\n"
+    "stopped it go to standard error, and the exit status is 1.\n";
 
 namespace {
-
-int Usage(int status) {
-    printf("Usage: zel utf --from FORM --to FORM [--lenient] [FILE | -]\n\n"
-           "Converts FILE, or standard input, from one form to another and writes the result to\n"
-           "standard output. FORM is utf8, utf16 or utf32; the 16- and 32-bit forms are in the\n"
-           "machine's byte order. Strict by default: a surrogate out of place stops the conversion;\n"
-           "--lenient lets it through. A malformed UTF-8 sequence stops either. On a stop, what was\n"
-           "converted before it is written, the status and the byte offset of the character that\n"
-           "stopped it go to standard error, and the exit status is 1.\n");
-    return status;
-}
 
 const char* StatusName(ZelConvResult status) {
     switch (status) {
@@ -39,8 +38,7 @@ using Converter = ZelConvResult (*)(const From**, const From*, To**, To*, DWORD)
 template <typename From, typename To>
 int Convert(const std::string& bytes, Converter<From, To> convert, DWORD flags) {
     if (bytes.size() % sizeof(From) != 0) {
-        fprintf(stderr, "zel utf: the input is not a whole number of %zu-byte units\n", sizeof(From));
-        return 1;
+        return Fail("the input is not a whole number of " + std::to_string(sizeof(From)) + "-byte units");
     }
     std::vector<From> units(bytes.size() / sizeof(From));
     if (!bytes.empty()) memcpy(units.data(), bytes.data(), bytes.size());
@@ -54,34 +52,35 @@ int Convert(const std::string& bytes, Converter<From, To> convert, DWORD flags) 
         fwrite(piece.data(), sizeof(To), static_cast<size_t>(target - piece.data()), stdout);
     } while (status == ZelConvTargetExhausted);
     if (status == ZelConvOk) return 0;
-    fflush(stdout);
-    fprintf(stderr, "zel utf: %s at byte offset %zu\n", StatusName(status),
-            static_cast<size_t>(source - units.data()) * sizeof(From));
-    return 1;
+    return Fail(std::string(StatusName(status)) + " at byte offset " +
+                std::to_string(static_cast<size_t>(source - units.data()) * sizeof(From)));
 }
 
 }  // namespace
 
 int RunUtf(const Args& args) {
-    std::string from, to, file = "-";
+    std::string from, to, file;
     DWORD flags = ZelConvStrict;
     for (size_t i = 0; i < args.size(); ++i) {
-        if (args[i] == "--help" || args[i] == "-h") return Usage(0);
         if (args[i] == "--lenient") flags = ZelConvLenient;
         else if (args[i] == "--strict") flags = ZelConvStrict;
-        else if (args[i] == "--from" && i + 1 < args.size()) from = args[++i];
-        else if (args[i] == "--to" && i + 1 < args.size()) to = args[++i];
-        else if (args[i].rfind("--", 0) == 0) return Usage(2);
+        else if (args[i] == "--from" || args[i] == "--to") {
+            if (i + 1 == args.size()) return Misuse(args[i] + " takes a form: utf8, utf16 or utf32");
+            (args[i] == "--from" ? from : to) = args[i + 1];
+            ++i;
+        } else if (args[i].size() > 1 && args[i][0] == '-') return Misuse("unknown option " + args[i]);
+        else if (!file.empty()) return Misuse("one input at most: " + file + " and " + args[i]);
         else file = args[i];
     }
-    auto bytes = ReadInput(file);
+    const bool forms = (from == "utf8" || from == "utf16" || from == "utf32") &&
+                       (to == "utf8" || to == "utf16" || to == "utf32") && from != to;
+    if (!forms) return Misuse("--from and --to name two different forms of utf8, utf16, utf32");
+    auto bytes = ReadInput(file.empty() ? "-" : file);
     if (!bytes) return 1;
     if (from == "utf8" && to == "utf16") return Convert(*bytes, ZelConvertUTF8toUTF16, flags);
     if (from == "utf8" && to == "utf32") return Convert(*bytes, ZelConvertUTF8toUTF32, flags);
     if (from == "utf16" && to == "utf8") return Convert(*bytes, ZelConvertUTF16toUTF8, flags);
     if (from == "utf16" && to == "utf32") return Convert(*bytes, ZelConvertUTF16toUTF32, flags);
     if (from == "utf32" && to == "utf8") return Convert(*bytes, ZelConvertUTF32toUTF8, flags);
-    if (from == "utf32" && to == "utf16") return Convert(*bytes, ZelConvertUTF32toUTF16, flags);
-    fprintf(stderr, "zel utf: --from and --to name two different forms of utf8, utf16, utf32\n");
-    return 2;
+    return Convert(*bytes, ZelConvertUTF32toUTF16, flags);
 }
