@@ -78,7 +78,8 @@ int RunConv(const Args& args) {
     for (size_t i = 0; i < args.size(); ++i) {
         if (args[i] == "-f" || args[i] == "-t") {
             if (i + 1 == args.size()) return Misuse(args[i] + " takes a code page");
-            (args[i] == "-f" ? from : to) = args[++i];
+            std::string& page = args[i] == "-f" ? from : to;
+            page = args[++i];
         } else if (args[i] == "--system") {
             system = true;
         } else if (args[i].size() > 1 && args[i][0] == '-') {
