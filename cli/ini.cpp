@@ -229,7 +229,10 @@ int Export(const Args& args) {
     if (ini.GetSecCount() == 0) return Fail(args[1] + ": no sections");
     CopyBeside scratch(target);
     if (!scratch.made()) return Fail(scratch.problem());
-    if (!ini.SaveCfgToFile(FromUtf8(scratch.path()).c_str())) return Fail("could not write " + scratch.path());
+    std::string problem;
+    if (!ini.SaveCfgToFile(FromUtf8(scratch.path()).c_str()) || !ReadsBackAs(ini, scratch.path(), problem))
+        return Fail("could not write the file form of " + args[1] + " beside " + target + ": " +
+                    (problem.empty() ? LastErrorText() : problem));
     std::optional<std::string> bytes = ReadInput(scratch.path());
     if (!bytes) return 1;
     std::u16string units;
