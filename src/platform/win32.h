@@ -183,9 +183,12 @@ LONG RegSaveKeyW(HKEY key, LPCWSTR fileName, const SECURITY_ATTRIBUTES* security
 // Paths (posix/paths.cpp): the one place where the library's Windows form of a path meets the
 // system's. Toward the system backslashes become slashes and a drive x: becomes the directory that
 // ZEL_DRIVE_X names, or the root; from the system slashes become backslashes. Names are UTF-8.
+// A path that the system gives as 16-bit text (an environment variable read with _wgetenv) takes
+// the same way in.
 
 std::string ZelPlatformPathToSystem(LPCWSTR path);
 std::u16string ZelPlatformPathFromSystem(const char* path);
+std::u16string ZelPlatformPathFromSystem(LPCWSTR path);
 
 // ---------------------------------------------------------------------------------------------
 // Files and directories (posix/files.cpp, posix/directories.cpp, posix/find.cpp,
