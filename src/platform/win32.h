@@ -7,6 +7,7 @@
 #include <zel/wintypes.h>
 
 #include <cstdarg>
+#include <cstdio>
 #include <string>
 
 // ---------------------------------------------------------------------------------------------
