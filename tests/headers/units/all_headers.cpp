@@ -33,5 +33,8 @@ int Descriptors(const char* path) {
     DIR* directory = opendir(path);
     if (directory) closedir(directory);
     if (fd >= 0) close(fd);
+    WIN32_FIND_DATAW found;
+    HANDLE search = ZelFindFirstFileW(u"*", &found);
+    if (search != INVALID_HANDLE_VALUE) FindClose(search);
     return static_cast<int>(std::wcslen(L"x") + std::strlen(path)) + (fd >= 0) + TRUE;
 }
