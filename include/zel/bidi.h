@@ -51,7 +51,8 @@ ZEL_API WCHAR GetBidiMirroredChar(WCHAR c);
 // One line of text at a time: levels are resolved from classes with the base level the caller
 // gives, and the line is put into display order in place. No explicit embedding is acted on and
 // no paragraph is split: the explicit controls and paragraph separators resolve as BN. A class of
-// 0xFFFF marks a position that the resolution passes over.
+// 0xFFFF marks a position that the resolution passes over. A count above 0x7FFFFFFF, which only a
+// negative length turned unsigned gives, counts as 0.
 
 // Resolves the levels of count positions from their classes: on return classes holds L, R, AN or
 // EN (BN where a BN stayed alone) and levels the resolved levels, at most baseLevel + 2. Only the

@@ -22,9 +22,9 @@ ZEL_API int LoadUniYi2UniSurrogatePuaTbl();
 // Code page front end
 //
 // Code page 0 is the system's ANSI code page, 1 its OEM code page. A length of -1 reads up to the
-// terminator; a size counts the whole output buffer, terminator included. The result is the
-// number of units written without the terminator, except that a conversion by the system with a
-// length of -1 counts the terminator too. A size below 2 writes only a terminator and gives 0.
+// terminator, and any other negative length is no text; a size counts the whole output buffer,
+// terminator included. The result is the number of units written without the terminator, except
+// that a conversion by the system with a length of -1 counts the terminator too. A size below 2 writes only a terminator and gives 0.
 // Characters without a mapping become U+FFFD toward Unicode; toward a code page they become '?'
 // through the tables of 949, 1361, 932, 936, 950 and 9566, and the default character or '?' by
 // the system. The flags argument is not read.
@@ -68,7 +68,8 @@ constexpr DWORD KConvOldHangul = 0x00020000;  // old Jamo, private-use syllables
 ZEL_API WCHAR ZelKCharToUnicodeBase(KChar h, DWORD flags);
 ZEL_API KChar ZelUnicodeToKCharBase(WCHAR u, DWORD flags);
 
-// Text conversions. A length of -1 reads up to the terminator; a size counts the whole output
+// Text conversions. A length of -1 reads up to the terminator, any other negative length is no
+// text, and a zero unit ends the text whatever the length; a size counts the whole output
 // buffer, terminator included; the result is the number of units written without the terminator.
 // An unmapped character becomes the substitute string when one is given (never for the input
 // 0x3441 or U+FFFD themselves), cut at the end of the output. Without tables, code page 1361
@@ -161,7 +162,8 @@ ZEL_API int UniYi2UniSurrogatePuaEx(WCHAR u, WCHAR* output, int room);
 // Writes the internal character of a packed pair into output. Gives 0 or 1; a pair of the Yi
 // ranges that the table doesn't hold counts 1 and leaves output as it was.
 ZEL_API int SurrogatePairToUni(DWORD pair, WCHAR* output, int room);
-// Text to the outside form, and back. Length -1 reads up to the zero unit. The whole output is
+// Text to the outside form, and back. Length -1 reads up to the zero unit, any other negative
+// length is no text, and a zero unit ends the text whatever the length. The whole output is
 // cleared first, so the text is terminated; gives the units written. The flags are not read.
 ZEL_API int ZelUnicodeToSurrogatePua(DWORD flags, const WCHAR* text, int length, WCHAR* buffer, int size);
 ZEL_API int ZelSurrogatePuaToUnicode(DWORD flags, const WCHAR* text, int length, WCHAR* buffer, int size);

@@ -5,14 +5,10 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
 
-// The run-time's status record below has the Win32 field names st_atime, st_mtime and st_ctime,
-// which the system's header defines as macros; they are taken back here.
+// The run-time's status record below has the fields st_atime, st_mtime and st_ctime, which the
+// system's header may spell as macros; the record follows whichever spelling that header chose.
 #include <sys/stat.h>
-#undef st_atime
-#undef st_mtime
-#undef st_ctime
 
 #if defined(_WIN32)
 #error "On Windows include <windows.h>; this header stands in for it elsewhere."
@@ -347,9 +343,19 @@ struct _stat {
     SHORT st_gid;
     DWORD st_rdev;
     LONG st_size;
+#if defined(st_atime) && defined(st_mtime) && defined(st_ctime)
+    // The system reads record.st_mtime as record.st_mtim.tv_sec: these members answer that form.
+    struct Seconds {
+        int64_t tv_sec;
+    };
+    Seconds st_atim;
+    Seconds st_mtim;
+    Seconds st_ctim;
+#else
     int64_t st_atime;
     int64_t st_mtime;
     int64_t st_ctime;
+#endif
 };
 
 struct _finddata_t {

@@ -12,5 +12,6 @@
 #include <zel/streams.h>
 #include <zel/settings.h>
 #include <zel/component.h>
+#include <zel/platform.h>
 
 #endif  // ZEL_ZEL_H

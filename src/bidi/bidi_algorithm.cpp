@@ -22,6 +22,7 @@ using namespace zelbidi;
 
 DWORD BidiAlgorithm(LONG baseLevel, const WCHAR* /*text*/, DWORD count, WORD* classes, WORD* levels,
                     DWORD* raised) {
+    count = TextCount(count);
     if ((!classes || !levels) && count) {
         if (raised) *raised = 0;
         return 0;

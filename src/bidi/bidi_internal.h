@@ -16,6 +16,11 @@ namespace zelbidi {
 // A class that the resolution steps pass over: neither its class nor its level is touched.
 constexpr WORD kSkip = 0xFFFF;
 
+// The count of a text as the exported calls take it. A count above the largest signed 32-bit value
+// is a negative length that became unsigned on its way in, and no text could be that long: it is
+// taken as a count of 0, so that nothing is read or written.
+constexpr DWORD TextCount(DWORD count) { return count > 0x7FFFFFFFu ? 0 : count; }
+
 // The columns of the weak tables are the classes ON to ET; those of the neutral tables ON to EN.
 constexpr int kWeakStates = 20;
 constexpr int kWeakColumns = 10;

@@ -19,6 +19,7 @@ void zelbidi::ToDisplayOrder(WCHAR* text, DWORD count, WORD baseLevel, const WOR
 }
 
 DWORD BidiString(WCHAR* text, DWORD count, WORD* classes, WORD* levels, int mirror, int direction) {
+    count = TextCount(count);
     if (!text && count) return 0;
     const WORD base = direction == 1 ? 1 : 0;
     // Arrays the caller didn't give lie on the stack for a line of up to Scratch::kStackUnits

@@ -16,6 +16,7 @@ void ResetRun(WORD baseLevel, WORD* levels, DWORD index, DWORD run) {
 using namespace zelbidi;
 
 void BidiResolveWhitespace(WORD baseLevel, const WORD* classes, WORD* levels, DWORD count) {
+    count = TextCount(count);
     if (!classes || !levels) return;
     DWORD run = 0;
     WORD previous = baseLevel;

@@ -2,6 +2,7 @@
 // presentation form.
 #include <zel/bidi.h>
 
+#include "bidi/bidi_internal.h"
 #include "bidi/shaping_internal.h"
 
 namespace zelshape {
@@ -66,7 +67,7 @@ BYTE BidiExtendableChar(const WCHAR* text, DWORD count, DWORD index) {
     constexpr WORD kTagMedial = 5;
     constexpr WORD kTagFinal = 6;
     constexpr WORD kTagIsolated = 7;
-    if (!text || index >= count) return 0;
+    if (!text || index >= zelbidi::TextCount(count)) return 0;
 
     const WORD tag = ZelDecompositionTag(text[index]);
     switch (tag) {

@@ -10,6 +10,7 @@ using zelbidi::Scratch;
 
 DWORD ShapeString(WCHAR* destination, const WCHAR* source, DWORD count, WORD* classes, WORD* levels, int mirror,
                   int direction) {
+    count = zelbidi::TextCount(count);
     if (!destination || (!source && count)) return 0;
     const WORD base = direction == 1 ? 1 : 0;
 

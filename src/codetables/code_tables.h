@@ -25,6 +25,18 @@ const char* ZelTableKindName(int kind);  // "gen" ... "9566", "ext" for the rest
 constexpr WORD kZelNoKChar = 0x3441;
 constexpr WORD kZelNoUnicode = 0xFFFD;
 
+// The units to read of a text that comes with a length: -1 stands for the text up to its zero
+// unit, and any other negative length, or a null text, for no text at all, so that a counted text
+// is never read as a terminated one.
+template <typename Unit>
+int ZelTextUnits(const Unit* text, int length) {
+    if (!text || length < -1) return 0;
+    if (length >= 0) return length;
+    int n = 0;
+    while (text[n]) ++n;
+    return n;
+}
+
 // A pair of a pair table, in file order.
 struct ZelCodePair {
     WORD first;

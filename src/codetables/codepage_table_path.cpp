@@ -4,7 +4,6 @@
 
 #include "codetables/codepage_table_path.h"
 #include "platform/win32.h"
-#include "strings/wstr.h"
 
 namespace {
 
@@ -153,8 +152,7 @@ UINT ZelResolveCodePage(UINT codePage) {
 int ZelTableToUnicode(UINT codePage, const ZelCodePageTables& tables, const char* text, int length, WCHAR* buffer,
                       int size) {
     if (!buffer || size < 1) return 0;
-    if (!text || length < -1) length = 0;
-    if (length == -1) length = int(std::strlen(text));
+    length = ZelTextUnits(text, length);
     const BYTE* bytes = reinterpret_cast<const BYTE*>(text);
     switch (PageOf(codePage)) {
     case Page::Kana932:
@@ -170,8 +168,7 @@ int ZelTableToUnicode(UINT codePage, const ZelCodePageTables& tables, const char
 int ZelTableFromUnicode(UINT codePage, const ZelCodePageTables& tables, const WCHAR* text, int length, char* buffer,
                         int size) {
     if (!buffer || size < 1) return 0;
-    if (!text || length < -1) length = 0;
-    if (length == -1) length = int(wcslen(text));
+    length = ZelTextUnits(text, length);
     BYTE* bytes = reinterpret_cast<BYTE*>(buffer);
     switch (PageOf(codePage)) {
     case Page::Kana932:

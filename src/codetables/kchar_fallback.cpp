@@ -35,6 +35,10 @@ private:
     int size_ = 0;
 };
 
+// Whether unit i of a text with this length is still to be read: a length of -1 reads up to the
+// zero unit, any other negative one reads nothing.
+bool InText(int i, int length) { return length == -1 || i < length; }
+
 // KChar text as code page 1361 bytes, terminated: a unit with bit 15 is two bytes, one below 0x80
 // one byte, and the rest is dropped. Stops at a zero unit, the length, a character without room in
 // the bytes, or after maxChars characters: each becomes one UTF-16 unit, so the system is never
@@ -43,7 +47,7 @@ int KCharToBytes(const KChar* text, int length, char* bytes, int room, int maxCh
     int n = 0;
     int chars = 0;
     if (text && room > 0) {
-        for (int i = 0; (length < 0 || i < length) && text[i] && chars < maxChars; ++i) {
+        for (int i = 0; InText(i, length) && text[i] && chars < maxChars; ++i) {
             const KChar h = text[i];
             if (h & 0x8000) {
                 if (n + 2 > room - 1) break;
@@ -122,8 +126,8 @@ int ZelUnicodeFallbackToKChar(const WCHAR* text, int length, KChar* buffer, int 
     if (bytes.size() < 2) return 0;
     // Each UTF-16 unit gives one KChar at most: the rest of a long text can't reach the output.
     int units = 0;
-    while ((length < 0 || units < length) && units < size - 1 && text[units]) ++units;
-    if ((length < 0 || units < length) && units == size - 1 && units > 0 && (text[units - 1] & 0xFC00) == 0xD800)
+    while (InText(units, length) && units < size - 1 && text[units]) ++units;
+    if (InText(units, length) && units == size - 1 && units > 0 && (text[units - 1] & 0xFC00) == 0xD800)
         --units;  // keep a surrogate pair whole
     length = units;
     int count = 0;

@@ -12,14 +12,6 @@ bool MainTablesReady() {
     return ZelMainTableState() == kZelTableReady;
 }
 
-template <typename Unit>
-int TextLength(const Unit* text, int length) {
-    if (length >= 0) return length;
-    int n = 0;
-    while (text[n]) ++n;
-    return n;
-}
-
 // Writes a zero-terminated string at out[count], cut where the room for the terminator begins.
 template <typename Unit>
 int WriteCut(Unit* out, int count, int limit, const Unit* string) {
@@ -57,14 +49,14 @@ int CollectSequence(const WCHAR* text, int left) {
 
 }  // namespace
 
-int ZelKCharLength(const KChar* text) { return text ? TextLength(text, -1) : 0; }
+int ZelKCharLength(const KChar* text) { return ZelTextUnits(text, -1); }
 
 int ZelKCharToUnicode(DWORD flags, const KChar* text, int length, WCHAR* buffer, int size, const WCHAR* substitute) {
     if (!buffer || size < 1) return 0;
     if (!MainTablesReady()) return ZelKCharFallbackToUnicode(text, length, buffer, size, false);
     Clear(buffer, size);
     if (!text) return 0;
-    const int count = TextLength(text, length);
+    const int count = ZelTextUnits(text, length);
     const int limit = size - 1;
     int written = 0;
     for (int i = 0; i < count && written < limit && text[i]; ++i) {
@@ -91,7 +83,7 @@ int ZelUnicodeToKChar(DWORD flags, const WCHAR* text, int length, KChar* buffer,
     if (!MainTablesReady()) return ZelUnicodeFallbackToKChar(text, length, buffer, size, false);
     Clear(buffer, size);
     if (!text) return 0;
-    const int count = TextLength(text, length);
+    const int count = ZelTextUnits(text, length);
     const int limit = size - 1;
     int written = 0;
     for (int i = 0; i < count && written < limit && text[i];) {

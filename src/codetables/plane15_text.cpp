@@ -7,15 +7,11 @@
 
 #include "codetables/code_tables.h"
 #include "codetables/plane15_map.h"
-#include "strings/wstr.h"
 
 namespace {
 
 bool IsHighSurrogate(WCHAR u) { return u >= 0xD800 && u <= 0xDBFF; }
 bool IsLowSurrogate(WCHAR u) { return u >= 0xDC00 && u <= 0xDFFF; }
-
-// The number of units to read: the given length, or up to the zero unit for a negative one.
-int TextLength(const WCHAR* text, int length) { return length < 0 ? static_cast<int>(wcslen(text)) : length; }
 
 // Loads the Yi table on first use; what it comes to decides only whether text passes through.
 void EnsureYiTable() {
@@ -23,12 +19,12 @@ void EnsureYiTable() {
 }
 
 // What both text calls do first: without room nothing happens; otherwise the Yi table is loaded on
-// first use and the whole output cleared. Gives the count of units to read, or -1 for none.
+// first use and the whole output cleared. Gives the count of units to read, or -1 without room.
 int StartText(const WCHAR* text, int length, WCHAR* buffer, int size) {
     if (size < 2 || !buffer) return -1;
     EnsureYiTable();
     std::memset(buffer, 0, static_cast<size_t>(size) * sizeof(WCHAR));
-    return text ? TextLength(text, length) : -1;
+    return ZelTextUnits(text, length);
 }
 
 }  // namespace

@@ -2,6 +2,8 @@
 #include <zel/codetables.h>
 #include <zel/frame.h>
 
+#include <cstring>
+
 #include "paths/os/ansi_text.h"
 #include "platform/win32.h"
 
@@ -12,7 +14,10 @@ BOOL ZelGetLocaleInfo(LCID locale, LCTYPE type, WCHAR* buffer, int size) {
     const int bytes = GetLocaleInfoA(locale, type, text, size < MAX_PATH ? size : MAX_PATH);
     if (bytes > 0 && buffer && size > 0) {
         text[MAX_PATH - 1] = 0;
-        ZelAnsiToUnicode(0, CP_ACP, text, -1, buffer, size);
+        buffer[0] = 0;  // an empty answer converts to nothing
+        // The text's own length, not -1: counted with its terminator, an answer that fills the
+        // caller's size (a three-letter abbreviation in four) would not fit the conversion's room.
+        ZelAnsiToUnicode(0, CP_ACP, text, static_cast<int>(strlen(text)), buffer, size);
     }
     return bytes > 0 ? TRUE : FALSE;
 }

@@ -65,11 +65,12 @@ bool SuiteFolder(HKEY root, const char* valueName, WCHAR* path) {
     return Format(path, folder[length - 1] == u'\\' ? u"%sMorvalis" : u"%s\\Morvalis", folder);
 }
 
-// An environment variable that is set, not empty and not longer than a path row holds.
+// An environment variable that is set, not empty and not longer than a path row holds, in the
+// library's form: a value such as /home/me/tmp comes in as \home\me\tmp.
 bool ReadEnvironment(const WCHAR* name, WCHAR* path) {
     const WCHAR* value = _wgetenv(name);
     if (!value || !value[0] || wcslen(value) > MAX_PATH - 1) return false;
-    wcscpy(path, value);
+    wcscpy(path, ZelPlatformPathFromSystem(value).c_str());
     return true;
 }
 

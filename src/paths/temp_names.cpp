@@ -77,7 +77,7 @@ UINT ZelPathMakeTemp(const WCHAR* prefix, UINT number, WCHAR* destination) {
     WCHAR directory[MAX_PATH];
     if (!TempDirectory(nullptr, directory)) return 0;
     // The system's name: the directory, up to three characters of the prefix, at most four
-    // hexadecimal digits and ".TMP".
+    // hexadecimal digits and ".tmp".
     size_t prefixLength = wcslen(prefix) < 3 ? wcslen(prefix) : 3;
     if (wcslen(directory) + prefixLength + 4 + 4 > kNameMax) return 0;
     if (number == 0 && !ZelPathCreate(directory)) return 0;

@@ -1,12 +1,15 @@
 // The operating system's interfaces that the library calls, under their Win32 names. On POSIX the
 // bodies live in posix/, one file per family; each A call converts through the ANSI code page and
-// calls its W twin. None of these is exported.
+// calls its W twin. Those that a program needs for what the interface hands it are declared, and
+// exported, in zel/platform.h; none of the others is exported.
 #ifndef ZEL_PLATFORM_WIN32_H
 #define ZEL_PLATFORM_WIN32_H
 
+#include <zel/platform.h>
 #include <zel/wintypes.h>
 
 #include <cstdarg>
+#include <cstdio>
 #include <string>
 
 // ---------------------------------------------------------------------------------------------
@@ -33,10 +36,7 @@ LONG InterlockedIncrement(LONG volatile* value);
 LONG InterlockedDecrement(LONG volatile* value);
 
 // ---------------------------------------------------------------------------------------------
-// Errors (posix/errors.cpp)
-
-DWORD GetLastError();
-void SetLastError(DWORD code);
+// Errors (posix/errors.cpp). GetLastError and SetLastError: zel/platform.h.
 
 // The one place where a POSIX errno becomes a Win32 error code.
 DWORD ZelPlatformErrorFromErrno(int error);
@@ -44,18 +44,14 @@ DWORD ZelPlatformErrorFromErrno(int error);
 DWORD ZelPlatformSetLastErrorFromErrno();
 
 // ---------------------------------------------------------------------------------------------
-// Modules (posix/modules.cpp)
+// Modules (posix/modules.cpp). GetProcAddress, GetModuleHandleA/W and FreeLibrary: zel/platform.h.
 
 HMODULE LoadLibraryA(LPCSTR fileName);
 HMODULE LoadLibraryW(LPCWSTR fileName);
 HMODULE LoadLibraryExA(LPCSTR fileName, HANDLE reserved, DWORD flags);
 HMODULE LoadLibraryExW(LPCWSTR fileName, HANDLE reserved, DWORD flags);
-BOOL FreeLibrary(HMODULE module);
-FARPROC GetProcAddress(HMODULE module, LPCSTR procName);
 DWORD GetModuleFileNameA(HMODULE module, LPSTR fileName, DWORD size);
 DWORD GetModuleFileNameW(HMODULE module, LPWSTR fileName, DWORD size);
-HMODULE GetModuleHandleA(LPCSTR moduleName);
-HMODULE GetModuleHandleW(LPCWSTR moduleName);
 
 // A module loaded as a data file: its bytes, for the resource reader. Null for any other handle.
 struct ZelDataModule {
@@ -141,6 +137,8 @@ std::u16string ZelPlatformUtf8ToWide(const std::string& text);
 // ---------------------------------------------------------------------------------------------
 // Registry (posix/registry*.cpp)
 
+// RegQueryValueExA/W, RegEnumKeyA/W, RegEnumValueA/W, RegQueryInfoKeyA/W and RegCloseKey:
+// zel/platform.h.
 LONG RegOpenKeyA(HKEY key, LPCSTR subKey, PHKEY result);
 LONG RegOpenKeyW(HKEY key, LPCWSTR subKey, PHKEY result);
 LONG RegOpenKeyExA(HKEY key, LPCSTR subKey, DWORD options, REGSAM access, PHKEY result);
@@ -151,22 +149,8 @@ LONG RegCreateKeyExA(HKEY key, LPCSTR subKey, DWORD reserved, LPSTR keyClass, DW
                      const SECURITY_ATTRIBUTES* security, PHKEY result, LPDWORD disposition);
 LONG RegCreateKeyExW(HKEY key, LPCWSTR subKey, DWORD reserved, LPWSTR keyClass, DWORD options, REGSAM access,
                      const SECURITY_ATTRIBUTES* security, PHKEY result, LPDWORD disposition);
-LONG RegEnumKeyA(HKEY key, DWORD index, LPSTR name, DWORD nameSize);
-LONG RegEnumKeyW(HKEY key, DWORD index, LPWSTR name, DWORD nameSize);
-LONG RegEnumValueA(HKEY key, DWORD index, LPSTR valueName, LPDWORD valueNameSize, LPDWORD reserved, LPDWORD type,
-                   LPBYTE data, LPDWORD dataSize);
-LONG RegEnumValueW(HKEY key, DWORD index, LPWSTR valueName, LPDWORD valueNameSize, LPDWORD reserved, LPDWORD type,
-                   LPBYTE data, LPDWORD dataSize);
-LONG RegQueryInfoKeyA(HKEY key, LPSTR keyClass, LPDWORD classSize, LPDWORD reserved, LPDWORD subKeys,
-                      LPDWORD maxSubKeyLen, LPDWORD maxClassLen, LPDWORD values, LPDWORD maxValueNameLen,
-                      LPDWORD maxValueLen, LPDWORD securityDescriptorSize, PFILETIME lastWriteTime);
-LONG RegQueryInfoKeyW(HKEY key, LPWSTR keyClass, LPDWORD classSize, LPDWORD reserved, LPDWORD subKeys,
-                      LPDWORD maxSubKeyLen, LPDWORD maxClassLen, LPDWORD values, LPDWORD maxValueNameLen,
-                      LPDWORD maxValueLen, LPDWORD securityDescriptorSize, PFILETIME lastWriteTime);
 LONG RegQueryValueA(HKEY key, LPCSTR subKey, LPSTR data, PLONG dataSize);
 LONG RegQueryValueW(HKEY key, LPCWSTR subKey, LPWSTR data, PLONG dataSize);
-LONG RegQueryValueExA(HKEY key, LPCSTR valueName, LPDWORD reserved, LPDWORD type, LPBYTE data, LPDWORD dataSize);
-LONG RegQueryValueExW(HKEY key, LPCWSTR valueName, LPDWORD reserved, LPDWORD type, LPBYTE data, LPDWORD dataSize);
 LONG RegSetValueA(HKEY key, LPCSTR subKey, DWORD type, LPCSTR data, DWORD dataSize);
 LONG RegSetValueW(HKEY key, LPCWSTR subKey, DWORD type, LPCWSTR data, DWORD dataSize);
 LONG RegSetValueExA(HKEY key, LPCSTR valueName, DWORD reserved, DWORD type, const BYTE* data, DWORD dataSize);
@@ -175,7 +159,6 @@ LONG RegDeleteKeyA(HKEY key, LPCSTR subKey);
 LONG RegDeleteKeyW(HKEY key, LPCWSTR subKey);
 LONG RegDeleteValueA(HKEY key, LPCSTR valueName);
 LONG RegDeleteValueW(HKEY key, LPCWSTR valueName);
-LONG RegCloseKey(HKEY key);
 LONG RegSaveKeyA(HKEY key, LPCSTR fileName, const SECURITY_ATTRIBUTES* security);
 LONG RegSaveKeyW(HKEY key, LPCWSTR fileName, const SECURITY_ATTRIBUTES* security);
 
@@ -183,25 +166,19 @@ LONG RegSaveKeyW(HKEY key, LPCWSTR fileName, const SECURITY_ATTRIBUTES* security
 // Paths (posix/paths.cpp): the one place where the library's Windows form of a path meets the
 // system's. Toward the system backslashes become slashes and a drive x: becomes the directory that
 // ZEL_DRIVE_X names, or the root; from the system slashes become backslashes. Names are UTF-8.
+// A path that the system gives as 16-bit text (an environment variable read with _wgetenv) takes
+// the same way in.
 
 std::string ZelPlatformPathToSystem(LPCWSTR path);
 std::u16string ZelPlatformPathFromSystem(const char* path);
+std::u16string ZelPlatformPathFromSystem(LPCWSTR path);
 
 // ---------------------------------------------------------------------------------------------
 // Files and directories (posix/files.cpp, posix/directories.cpp, posix/find.cpp,
 // posix/volumes.cpp). Paths are in the library's Windows form; failures set the last error.
 
-HANDLE CreateFileA(LPCSTR fileName, DWORD access, DWORD shareMode, LPSECURITY_ATTRIBUTES security,
-                   DWORD creation, DWORD flagsAndAttributes, HANDLE templateFile);
-HANDLE CreateFileW(LPCWSTR fileName, DWORD access, DWORD shareMode, LPSECURITY_ATTRIBUTES security,
-                   DWORD creation, DWORD flagsAndAttributes, HANDLE templateFile);
-BOOL ReadFile(HANDLE file, LPVOID buffer, DWORD toRead, LPDWORD read, LPOVERLAPPED overlapped);
-BOOL WriteFile(HANDLE file, LPCVOID buffer, DWORD toWrite, LPDWORD written, LPOVERLAPPED overlapped);
-DWORD GetFileSize(HANDLE file, LPDWORD sizeHigh);
-DWORD SetFilePointer(HANDLE file, LONG distance, PLONG distanceHigh, DWORD method);
-BOOL CloseHandle(HANDLE object);
-BOOL LockFile(HANDLE file, DWORD offsetLow, DWORD offsetHigh, DWORD lengthLow, DWORD lengthHigh);
-BOOL UnlockFile(HANDLE file, DWORD offsetLow, DWORD offsetHigh, DWORD lengthLow, DWORD lengthHigh);
+// CreateFileA/W, ReadFile, WriteFile, GetFileSize, SetFilePointer, LockFile, UnlockFile and
+// CloseHandle: zel/platform.h.
 BOOL GetBinaryTypeA(LPCSTR applicationName, LPDWORD binaryType);
 BOOL GetBinaryTypeW(LPCWSTR applicationName, LPDWORD binaryType);
 
@@ -229,11 +206,9 @@ BOOL SetCurrentDirectoryA(LPCSTR path);
 BOOL SetCurrentDirectoryW(LPCWSTR path);
 
 // Masks with * and ?, matched without regard to the case of a to z; "." and ".." are found too.
+// FindNextFileA/W and FindClose: zel/platform.h.
 HANDLE FindFirstFileA(LPCSTR fileName, LPWIN32_FIND_DATAA findData);
 HANDLE FindFirstFileW(LPCWSTR fileName, LPWIN32_FIND_DATAW findData);
-BOOL FindNextFileA(HANDLE find, LPWIN32_FIND_DATAA findData);
-BOOL FindNextFileW(HANDLE find, LPWIN32_FIND_DATAW findData);
-BOOL FindClose(HANDLE find);
 // True when name matches mask by the rules of the searches above.
 bool ZelPlatformMaskMatches(const std::u16string& mask, const std::u16string& name);
 
@@ -337,14 +312,14 @@ int _wstat(LPCWSTR path, struct ::_stat* record);
 int _unlink(const char* path);
 int _wunlink(LPCWSTR path);
 intptr_t _findfirst(const char* mask, struct ::_finddata_t* record);
-int _findnext(intptr_t handle, struct ::_finddata_t* record);
-int _findclose(intptr_t handle);
-// Descriptor calls on what _open gives.
-int _read(int fd, void* buffer, unsigned int count);
-int _write(int fd, const void* buffer, unsigned int count);
-LONG _lseek(int fd, LONG offset, int origin);
-int _close(int fd);
-LONG _filelength(int fd);
+// The search and descriptor calls are exported (zel/platform.h); these names reach them here too.
+using ::_findnext;
+using ::_findclose;
+using ::_read;
+using ::_write;
+using ::_lseek;
+using ::_close;
+using ::_filelength;
 
 // The run-time's arguments of the process, read from the system at first use.
 int ArgumentCount();
@@ -367,16 +342,14 @@ HINSTANCE ShellExecuteA(HWND owner, LPCSTR operation, LPCSTR file, LPCSTR parame
                         int show);
 HINSTANCE ShellExecuteW(HWND owner, LPCWSTR operation, LPCWSTR file, LPCWSTR parameters, LPCWSTR directory,
                         int show);
-HRESULT SHGetDesktopFolder(IShellFolder** folder);
-HRESULT SHGetMalloc(IMalloc** allocator);
 BOOL SHGetPathFromIDListA(LPCITEMIDLIST list, LPSTR path);
 BOOL SHGetPathFromIDListW(LPCITEMIDLIST list, LPWSTR path);
 HRESULT SHGetDataFromIDListA(IShellFolder* folder, LPCITEMIDLIST list, int format, void* data, int size);
 HRESULT SHGetDataFromIDListW(IShellFolder* folder, LPCITEMIDLIST list, int format, void* data, int size);
 DWORD_PTR SHGetFileInfoA(LPCSTR path, DWORD attributes, SHFILEINFOA* info, UINT size, UINT flags);
 DWORD_PTR SHGetFileInfoW(LPCWSTR path, DWORD attributes, SHFILEINFOW* info, UINT size, UINT flags);
+// SHGetDesktopFolder, SHGetMalloc and CoTaskMemFree: zel/platform.h.
 void* CoTaskMemAlloc(SIZE_T size);
-void CoTaskMemFree(void* memory);
 HGLOBAL GlobalFree(HGLOBAL memory);
 HLOCAL LocalFree(HLOCAL memory);
 

@@ -2,6 +2,7 @@
 // the line's end and before separators, mirroring, and lines far longer than the stack scratch space.
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -181,6 +182,36 @@ TEST(BidiString, MissingArraysAndEmptyText) {
     EXPECT_EQ(raised, 0u);
     BidiResolveWhitespace(0, nullptr, levels.data(), 2);
     EXPECT_EQ(levels, (Levels{7, 7}));
+}
+
+// A count that only a negative length turned unsigned gives is no text: nothing is read or
+// written, as for a count of 0, and the result is 0.
+TEST(BidiString, NegativeLengthsAreNoText) {
+    std::u16string text = u"\u05D0\uFE8D a";
+    Levels classes(text.size(), 0x5555), levels(text.size(), 0x5555);
+    WCHAR shaped[8] = {0x5555};
+    DWORD raised = 9;
+    const std::pair<const char*, std::function<DWORD(DWORD)>> calls[] = {
+        {"BidiAlgorithm",
+         [&](DWORD n) { return BidiAlgorithm(1, text.data(), n, classes.data(), levels.data(), &raised); }},
+        {"BidiResolveWhitespace",
+         [&](DWORD n) { return BidiResolveWhitespace(1, classes.data(), levels.data(), n), DWORD{0}; }},
+        {"BidiString", [&](DWORD n) { return BidiString(text.data(), n, classes.data(), levels.data(), 1, 1); }},
+        {"ShapeString",
+         [&](DWORD n) { return ShapeString(shaped, text.data(), n, classes.data(), levels.data(), 1, 1); }},
+        {"BidiExtendableChar", [&](DWORD n) { return DWORD{BidiExtendableChar(text.data(), n, 1)}; }},
+    };
+    for (const auto& [name, call] : calls) {
+        for (const DWORD count : {0xFFFFFFFFu, 0xFFFFFFFEu, 0x80000000u}) {
+            EXPECT_EQ(0u, call(count)) << name << ' ' << count;
+            EXPECT_EQ(u"\u05D0\uFE8D a", text) << name;
+            EXPECT_EQ(Levels(text.size(), 0x5555), classes) << name;
+            EXPECT_EQ(Levels(text.size(), 0x5555), levels) << name;
+        }
+    }
+    EXPECT_EQ(0u, raised);
+    EXPECT_EQ(0, shaped[0]) << "an empty line right to left is the terminator alone";
+    EXPECT_EQ(7, BidiExtendableChar(text.data(), 4, 1)) << "the isolated alef within the count";
 }
 
 // A line past the stack scratch space: the resolution and the order must be those of the same

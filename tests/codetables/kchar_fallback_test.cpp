@@ -3,7 +3,10 @@
 #include <gtest/gtest.h>
 #include <zel/codetables.h>
 
+#include <climits>
+#include <functional>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include "table_path_fixture.h"
@@ -70,6 +73,69 @@ TEST_F(KCharFallbackTest, CodePagesOnEitherSide) {
     EXPECT_EQ(1, ZelAnsiToKChar(kAll, 949, "\xB0\xA1", -1, back, 2, nullptr));
     EXPECT_EQ(0x8861, back[0]);
     EXPECT_EQ(0, ZelAnsiToKChar(kAll, 949, nullptr, -1, back, 8, nullptr));
+}
+
+// A conversion of a text with a given length into 16 units, as a function of that length. It gives
+// the output up to the first zero, each unit widened to 16 bits, and checks the unit behind it.
+template <typename Out>
+std::function<std::u16string(int)> Converting(std::function<void(int, Out*, int)> convert) {
+    return [convert](int length) {
+        std::vector<Out> out(17, Out(0x77));
+        convert(length, out.data(), 16);
+        EXPECT_EQ(Out(0x77), out[16]) << "written past the size";
+        std::u16string text;
+        for (size_t i = 0; i < 16 && out[i]; ++i) text += char16_t(std::make_unsigned_t<Out>(out[i]));
+        return text;
+    };
+}
+
+// Only -1 reads up to the zero unit: any other negative length is no text, and a zero unit ends
+// the text whatever the length. The counted part is followed by more text, so a negative length
+// taken for -1 shows. With tables and without, and by the system alone.
+TEST_F(KCharFallbackTest, OnlyMinusOneReadsUpToTheZeroUnit) {
+    const KChar kText[] = {0x8861, 0x8862, 0x8861, 0x8862, 0};
+    const WCHAR wText[] = u"\xAC00\xAC01\xAC00\xAC01";
+    const std::u16string johab = u"\x8861\x8862\x8861\x8862", bytes = u"\xB0\xA1\xB0\xA2\xB0\xA1\xB0\xA2";
+    // Each call with its whole output and the units of it that the first two characters give.
+    const struct {
+        const char* name;
+        std::function<std::u16string(int)> run;
+        std::u16string whole;
+        size_t firstTwo;
+    } calls[] = {
+        {"to Unicode",
+         Converting<WCHAR>([&](int n, WCHAR* o, int s) { ZelKCharToUnicode(kAll, kText, n, o, s, nullptr); }), wText,
+         2},
+        {"to Unicode by the system",
+         Converting<WCHAR>([&](int n, WCHAR* o, int s) { ZelKCharToUnicode(kAll, kText, n, o, s); }), wText, 2},
+        {"to KChar",
+         Converting<KChar>([&](int n, KChar* o, int s) { ZelUnicodeToKChar(kAll, wText, n, o, s, nullptr); }), johab,
+         2},
+        {"to KChar by the system",
+         Converting<KChar>([&](int n, KChar* o, int s) { ZelUnicodeToKChar(kAll, wText, n, o, s); }), johab, 2},
+        {"to 949", Converting<char>([&](int n, char* o, int s) { ZelKCharToAnsi(kAll, 949, kText, n, o, s, nullptr); }),
+         bytes, 4},
+        {"to 949 by the system",
+         Converting<char>([&](int n, char* o, int s) { ZelKCharToAnsi(kAll, 949, kText, n, o, s); }), bytes, 4},
+    };
+    enum Expect { kWhole, kFirstTwo, kNone };
+    const std::pair<int, Expect> rows[] = {{-1, kWhole}, {INT_MAX, kWhole}, {2, kFirstTwo},
+                                           {0, kNone},   {-2, kNone},       {INT_MIN, kNone}};
+    for (const bool tables : {false, true}) {
+        if (tables) {
+            ZelResetCodeTablesForTest();
+            WriteMainGroup(std::vector<uint16_t>(25600, 0x3441));
+            ASSERT_EQ(kZelTableReady, LoadUnicodeTbl());
+        }
+        for (const auto& call : calls) {
+            for (const auto& [length, expect] : rows) {
+                SCOPED_TRACE(std::string(call.name) + (tables ? " with tables" : "") + ", length " +
+                             std::to_string(length));
+                const size_t units = expect == kWhole ? call.whole.size() : expect == kFirstTwo ? call.firstTwo : 0;
+                EXPECT_EQ(call.whole.substr(0, units), call.run(length));
+            }
+        }
+    }
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <zel/codetables.h>
 #include <zel/paths.h>
 
+#include <climits>
 #include <string>
 #include <vector>
 
@@ -131,6 +132,22 @@ TEST_F(Plane15Test, TextBothWays) {
     EXPECT_EQ(u"abc", FromPua(u"abcdef", 4));
     EXPECT_EQ(0, ZelSurrogatePuaToUnicode(0, u"abc", -1, nullptr, 8));
     EXPECT_EQ(0, ZelUnicodeToSurrogatePua(0, nullptr, -1, nullptr, 1));
+}
+
+// Only -1 reads up to the zero unit: any other negative length is no text, and a zero unit ends
+// the text whatever the length. The counted part is followed by more text.
+TEST_F(Plane15Test, OnlyMinusOneReadsUpToTheZeroUnit) {
+    LoadTables();
+    const std::u16string inside = u"a\uA000b\uA000", outside = u"a\U000F0000b\U000F0000";
+    const struct {
+        int length;
+        std::u16string toPua, fromPua;
+    } rows[] = {{-1, outside, inside}, {INT_MAX, outside, inside}, {3, u"a\U000F0000b", u"a\uA000"},
+                {0, u"", u""},         {-2, u"", u""},             {INT_MIN, u"", u""}};
+    for (const auto& row : rows) {
+        EXPECT_EQ(row.toPua, ToPua(inside, 16, row.length)) << row.length;
+        EXPECT_EQ(row.fromPua, FromPua(outside, 16, row.length)) << row.length;
+    }
 }
 
 TEST_F(Plane15Test, WithoutTheTableTextPassesThrough) {

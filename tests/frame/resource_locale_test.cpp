@@ -10,6 +10,7 @@
 #include <string>
 
 #include <zel/frame.h>
+#include <zel/paths.h>
 
 #include "frame/own_module.h"
 #include "frame/resource_lookup.h"
@@ -210,6 +211,29 @@ TEST(LibraryMessages, EveryCodeIsDescribedInKoreanEnglishAndJapanese) {
             }
         });
     }
+}
+
+// On a system of the 95 family the language's abbreviation and the module's file name come
+// through the ANSI code page: start-up and every resource case above find the same files there.
+TEST(ResourceAnsi, TheSameFilesAsInWideMode) {
+    if (ZelGetWinVersion() != 1) {
+        const char* cases = "ResourceAnsi.*:ResourceExt.*:ResourcePath.*:LibraryMessages.*";
+        for (const char* codePage : {"1252", "949"}) {
+            const auto child =
+                zeltest::RunTestsInNewProcess(cases, {{"ZEL_OS_VERSION", "1.4.0"}, {"ZEL_ACP", codePage}});
+            EXPECT_EQ(0, child.status) << codePage << "\n" << child.out << child.err;
+            EXPECT_EQ(child.err.find("Initialization Error"), std::string::npos) << codePage << "\n" << child.err;
+        }
+        return;
+    }
+    EXPECT_NE(g_zelOwnModule.resourceHandle, nullptr);
+    WCHAR extensions[MAX_PATH] = {};
+    ZelPathToAbsolute(u"${ResExt}|${SysExt}", extensions);
+    EXPECT_EQ(std::u16string(extensions).size(), 7u) << ZelPlatformWideToUtf8(extensions);
+    // A three-letter answer fills a size of four exactly.
+    WCHAR abbreviation[4] = {};
+    EXPECT_TRUE(ZelGetLocaleInfo(0x411, LOCALE_SABBREVLANGNAME, abbreviation, 4));
+    EXPECT_EQ(Found(abbreviation), u"JPN");
 }
 
 }  // namespace

@@ -124,6 +124,22 @@ TEST(DefaultPaths, TempFromTmpThenTempThenZelThenTheCurrentDirectory) {
     FreeLibrary(linked);
 }
 
+// TMP and TEMP hold paths in the system's form; Temp gets the library's, so that a directory that
+// isn't there yet can be made below it.
+TEST(DefaultPaths, TempFromTheEnvironmentInTheLibrarysForm) {
+    ModuleInDir library("p/Common/x.so");
+    for (const char* variable : {"TMP", "TEMP"}) {
+        zeltest::TempDir dir;
+        ScopedEnv tmp("TMP", std::nullopt), temp("TEMP", std::nullopt), set(variable, dir.path() + "/tmp/new/");
+        Registered(library.handle(), [&](const std::vector<ZelPathEntry>& rows) {
+            EXPECT_EQ(Value(rows, u"Temp"), Wide(dir.path() + "/tmp/new")) << variable;
+            WCHAR name[MAX_PATH] = {};
+            EXPECT_NE(ZelPathMakeTemp(u"pre", 0, name), 0u) << variable;
+            EXPECT_TRUE(std::filesystem::is_regular_file(ZelPlatformPathToSystem(name))) << variable;
+        });
+    }
+}
+
 TEST(DefaultPaths, RegistryFoldersAndSharedData) {
     ModuleInDir library("p/Common/x.so");
     zeltest::TempDir shared;

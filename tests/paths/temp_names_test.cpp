@@ -54,6 +54,21 @@ TEST_F(TempName, AFixedNumberOnlyFormsTheName) {
     EXPECT_EQ(u'\0', name_[0]);
 }
 
+// As the system writes them: up to three characters of the prefix, then the number in upper case
+// hexadecimal without leading zeros.
+TEST_F(TempName, SystemNamesCarryTheNumberWithoutLeadingZeros) {
+    struct Case {
+        const WCHAR* prefix;
+        UINT number;
+        const WCHAR* name;
+    };
+    for (const Case& c : {Case{u"pre", 5, u"pre5.tmp"}, Case{u"IMG", 1000, u"IMG3E8.tmp"},
+                          Case{u"abcd", 0x1abc, u"abc1ABC.tmp"}, Case{u"", 0xFFFF, u"FFFF.tmp"}}) {
+        EXPECT_EQ(c.number, ZelPathMakeTemp(c.prefix, c.number, name_));
+        EXPECT_EQ(temp_ + u"\\" + c.name, name_);
+    }
+}
+
 TEST_F(TempName, SearchSkipsTakenNamesAndNeverUsesZero) {
     ZelSetTempSequenceCounter(0x10);
     ASSERT_TRUE(ZelPathCreate(u"${Temp}\\s\\") && ZelPathMakeTempEx(u"s\\", u"t", 0x11, u"x", name_));
@@ -72,9 +87,9 @@ TEST_F(TempName, SearchSkipsTakenNamesAndNeverUsesZero) {
 
 TEST_F(TempName, ImageNamesTakeTheSourceExtensionAndSkipExistingFiles) {
     auto imageName = [&](unsigned n) {
-        ZelGetTempFileName((temp_ + u"\\").c_str(), u"IMG", n, name_);
-        const std::u16string name(name_);
-        return name.substr(0, name.rfind(u'.')) + u".jpg";
+        char digits[16];
+        std::snprintf(digits, sizeof digits, "%X", n);
+        return temp_ + u"\\IMG" + ZelPlatformUtf8ToWide(digits) + u".jpg";
     };
     WCHAR first[MAX_PATH], second[MAX_PATH];
     ASSERT_TRUE(ZelPathMakeImageTemp(u"c:\\pictures\\b.jpg", first));

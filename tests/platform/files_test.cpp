@@ -264,8 +264,10 @@ TEST(Files, TemporaryNames) {
     std::u16string base = W(dir.path());
     WCHAR name[MAX_PATH];
     EXPECT_EQ(GetTempFileNameW(base.c_str(), u"zelx", 0x1abc, name), 0x1abcu);
-    EXPECT_EQ(std::u16string(name), base + u"\\zel1ABC.TMP");
-    EXPECT_NE(access(dir.file("zel1ABC.TMP").c_str(), F_OK), 0);  // only the name is made
+    EXPECT_EQ(std::u16string(name), base + u"\\zel1ABC.tmp");
+    EXPECT_NE(access(dir.file("zel1ABC.tmp").c_str(), F_OK), 0);  // only the name is made
+    EXPECT_EQ(GetTempFileNameW(base.c_str(), u"t", 0x10005, name), 0x10005u);
+    EXPECT_EQ(std::u16string(name), base + u"\\t5.tmp");  // the low 16 bits, without leading zeros
 
     UINT first = GetTempFileNameW(base.c_str(), u"t", 0, name);
     ASSERT_NE(first, 0u);

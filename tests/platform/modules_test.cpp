@@ -155,7 +155,7 @@ TEST(Paths, WindowsFormMeetsTheSystemsForm) {
     EXPECT_EQ(ZelPlatformPathToSystem(u"\\자료\\日本.txt"), "/자료/日本.txt");
     EXPECT_EQ(ZelPlatformPathToSystem(nullptr), "");
     EXPECT_EQ(ZelPlatformPathFromSystem("/home/자료/a.txt"), u"\\home\\자료\\a.txt");
-    EXPECT_EQ(ZelPlatformPathFromSystem(nullptr), u"");
+    EXPECT_EQ(ZelPlatformPathFromSystem(static_cast<const char*>(nullptr)), u"");
 }
 
 }  // namespace

@@ -29,9 +29,13 @@ std::string ZelPlatformPathToSystem(LPCWSTR path) {
     return prefix + ZelPlatformWideToUtf8(rest);
 }
 
-std::u16string ZelPlatformPathFromSystem(const char* path) {
-    std::u16string out = ZelPlatformUtf8ToWide(path ? path : "");
+std::u16string ZelPlatformPathFromSystem(LPCWSTR path) {
+    std::u16string out(path ? path : u"");
     for (auto& c : out)
         if (c == u'/') c = u'\\';
     return out;
+}
+
+std::u16string ZelPlatformPathFromSystem(const char* path) {
+    return ZelPlatformPathFromSystem(ZelPlatformUtf8ToWide(path ? path : "").c_str());
 }

@@ -264,8 +264,10 @@ int _wstat(LPCWSTR path, struct ::_stat* record) {
 
 int _stat(const char* path, struct ::_stat* record) { return _wstat(ZelPlatformAnsiToWide(path).get(), record); }
 
+}  // namespace crt
+
 // ---------------------------------------------------------------------------------------------
-// Descriptors
+// Descriptors, exported under their own names (zel/platform.h)
 
 int _read(int fd, void* buffer, unsigned int count) {
     if (!buffer || count > INT_MAX) {
@@ -316,5 +318,3 @@ LONG _filelength(int fd) {
     }
     return static_cast<LONG>(status.st_size);
 }
-
-}  // namespace crt

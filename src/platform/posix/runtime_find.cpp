@@ -37,6 +37,10 @@ intptr_t _findfirst(const char* mask, struct ::_finddata_t* record) {
     return reinterpret_cast<intptr_t>(handle);
 }
 
+}  // namespace crt
+
+// The next and the end of a search are exported under their own names (zel/platform.h).
+
 int _findnext(intptr_t handle, struct ::_finddata_t* record) {
     if (!record) {
         errno = EINVAL;
@@ -56,5 +60,3 @@ int _findclose(intptr_t handle) {
     errno = EINVAL;
     return -1;
 }
-
-}  // namespace crt

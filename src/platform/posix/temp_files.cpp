@@ -14,14 +14,21 @@
 
 namespace {
 
-// dir\ + up to three characters of the prefix + four hexadecimal digits + .TMP
+// The longest number of a name, which fixes the longest name for a directory and prefix.
+constexpr UINT kLargestNumber = 0xFFFF;
+
+// dir\ + up to three characters of the prefix + the number's low 16 bits in hexadecimal, upper
+// case and without leading zeros (one to four digits) + .tmp
 std::u16string TempName(const std::u16string& directory, LPCWSTR prefix, UINT number) {
     std::u16string name = directory;
     if (!name.empty() && name.back() != u'\\' && name.back() != u'/') name += u'\\';
     for (int i = 0; prefix && i < 3 && prefix[i]; ++i) name += prefix[i];
     static const char16_t digits[] = u"0123456789ABCDEF";
-    for (int shift = 12; shift >= 0; shift -= 4) name += digits[(number >> shift) & 0xF];
-    return name + u".TMP";
+    number &= kLargestNumber;
+    int shift = 12;
+    while (shift > 0 && (number >> shift) == 0) shift -= 4;
+    for (; shift >= 0; shift -= 4) name += digits[(number >> shift) & 0xF];
+    return name + u".tmp";
 }
 
 // A number to start from that differs between calls and processes.
@@ -55,12 +62,12 @@ UINT GetTempFileNameW(LPCWSTR pathName, LPCWSTR prefix, UINT unique, LPWSTR temp
         return 0;
     }
     std::u16string directory(pathName);
-    if (TempName(directory, prefix, 0).size() >= MAX_PATH) {
+    if (TempName(directory, prefix, kLargestNumber).size() >= MAX_PATH) {
         SetLastError(ERROR_BUFFER_OVERFLOW);
         return 0;
     }
     if (unique != 0) {
-        std::u16string name = TempName(directory, prefix, unique & 0xFFFF);
+        std::u16string name = TempName(directory, prefix, unique);
         std::copy(name.c_str(), name.c_str() + name.size() + 1, tempFileName);
         return unique;
     }
