@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "code_table_files.h"
 #include "commands.h"
 #include "input.h"
 #include "numbers.h"
@@ -107,19 +108,9 @@ int RunConv(const Args& args) {
 
 int RunCodeTables(const Args& args) {
     if (!args.empty()) return Misuse("no arguments are taken");
-    WCHAR directory[MAX_PATH];
-    ZelPathToAbsolute(u"${Common}\\Code", directory);
-    printf("directory %s\n", ToUtf8(directory).c_str());
-    WCHAR mask[MAX_PATH];
-    ZelPathToAbsolute(u"${Common}\\Code\\u???_*.dat", mask);
-    WIN32_FIND_DATAW found;
-    // The search handle stays open until the process ends: the interface has no call to close it.
-    HANDLE search = ZelFindFirstFileW(mask, &found);
-    for (bool more = search != INVALID_HANDLE_VALUE; more; more = ZelFindNextFileW(search, &found)) {
-        std::string name = ToUtf8(found.cFileName);
-        printf("file %s number %s kind %s\n", name.c_str(), name.substr(1, 3).c_str(),
-               name.substr(5, name.size() > 9 ? name.size() - 9 : 0).c_str());
-    }
+    printf("directory %s\n", CodeTableDirectory().c_str());
+    for (const CodeTableFile& file : CodeTableFiles())
+        printf("file %s number %s kind %s\n", file.name.c_str(), file.number.c_str(), file.kind.c_str());
     printf("group main (KChar, sort index, variants) %s\n", StateName(LoadUnicodeTbl()));
     printf("group zel (Yi and plane 15) %s\n", StateName(LoadUniYi2UniSurrogatePuaTbl()));
     for (DWORD codePage : {949u, 1361u, 932u, 936u, 950u, 9566u})

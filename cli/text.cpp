@@ -1,6 +1,7 @@
 #include "text.h"
 
 #include <zel/frame.h>
+#include <zel/platform.h>
 #include <zel/strings.h>
 
 #include <cerrno>
@@ -54,6 +55,10 @@ std::string SystemErrorText(LONG code) {
     return text.empty() ? "error " + std::to_string(code) : text;
 }
 
-// The library keeps the last error of its platform calls to itself; the system's error number
-// that such a call leaves behind tells what the system refused.
-std::string LastErrorText() { return errno ? strerror(errno) : "no reason given"; }
+// The last error that the library's platform calls set on this thread, in the system's words;
+// where they set none, the system's error number that they leave behind.
+std::string LastErrorText() {
+    const DWORD code = GetLastError();
+    if (code) return SystemErrorText(static_cast<LONG>(code));
+    return errno ? strerror(errno) : "no reason given";
+}

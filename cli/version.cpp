@@ -10,9 +10,9 @@
 #include <cstdio>
 #include <cstdlib>
 #include <map>
-#include <set>
 #include <string>
 
+#include "code_table_files.h"
 #include "commands.h"
 #include "input.h"
 #include "text.h"
@@ -49,8 +49,7 @@ std::string TableUnicodeVersion(const std::string& path) {
     return text.substr(at + key.size(), end == std::string::npos ? std::string::npos : end - at - key.size());
 }
 
-std::string SystemPath(const WCHAR* windowsPath) {
-    std::string path = ToUtf8(windowsPath);
+std::string SystemPath(std::string path) {
     for (char& c : path)
         if (c == '\\') c = '/';
     return path;
@@ -58,28 +57,15 @@ std::string SystemPath(const WCHAR* windowsPath) {
 
 // The code table files found, by number: their kinds, and the Unicode version their headers name.
 void CodeTables() {
-    WCHAR directory[MAX_PATH];
-    ZelPathToAbsolute(u"${Common}\\Code", directory);
-    WCHAR mask[MAX_PATH];
-    ZelPathToAbsolute(u"${Common}\\Code\\u???_*.dat", mask);
-    WIN32_FIND_DATAW found;
-    std::map<std::string, std::set<std::string>> kinds;
-    std::map<std::string, std::string> unicode;
-    // The search handle stays open until the process ends: the interface has no call to close it.
-    HANDLE search = ZelFindFirstFileW(mask, &found);
-    for (bool more = search != INVALID_HANDLE_VALUE; more; more = ZelFindNextFileW(search, &found)) {
-        const std::string name = ToUtf8(found.cFileName);
-        if (name.size() < 10) continue;
-        const std::string number = name.substr(1, 3);
-        kinds[number].insert(name.substr(5, name.size() - 9));
-        if (!unicode.count(number)) unicode[number] = TableUnicodeVersion(SystemPath(directory) + "/" + name);
+    const std::string directory = CodeTableDirectory();
+    std::map<std::string, std::string> kinds, unicode;
+    for (const CodeTableFile& file : CodeTableFiles()) {
+        kinds[file.number] += " " + file.kind;
+        if (!unicode.count(file.number)) unicode[file.number] = TableUnicodeVersion(SystemPath(directory) + "/" + file.name);
     }
-    if (kinds.empty()) printf("code tables: none in %s\n", ToUtf8(directory).c_str());
-    for (const auto& [number, names] : kinds) {
-        std::string list;
-        for (const std::string& kind : names) list += " " + kind;
+    if (kinds.empty()) printf("code tables: none in %s\n", directory.c_str());
+    for (const auto& [number, list] : kinds)
         printf("code tables %s (Unicode %s):%s\n", number.c_str(), unicode[number].c_str(), list.c_str());
-    }
 }
 
 // The resource file of the library's own record, and the format version in its header.
@@ -91,7 +77,7 @@ void Resources() {
         printf("resources: none found\n");
         return;
     }
-    const std::string path = SystemPath(name);
+    const std::string path = SystemPath(ToUtf8(name));
     auto bytes = ReadInput(path);
     const unsigned format = bytes && bytes->size() >= 10
                                 ? static_cast<unsigned char>((*bytes)[8]) | static_cast<unsigned char>((*bytes)[9]) << 8
