@@ -95,7 +95,7 @@ int RunConv(const Args& args) {
     DWORD fromPage = 0, toPage = 0;
     std::string problem;
     if (!ParseCodePage("-f", from, &fromPage, problem) || !ParseCodePage("-t", to, &toPage, problem))
-        return Fail(problem);
+        return Misuse(problem);
     auto input = ReadInput(file.empty() ? "-" : file);
     if (!input) return 1;
     const std::u16string text = Decode(*input, from, fromPage, system);

@@ -18,7 +18,7 @@ int RunError(const Args& args) {
     if (args.size() != 1) return Misuse("one CODE is taken");
     long long code = 0;
     std::string problem;
-    if (!ParseNumber("the code", args[0], 0, 0xFFFFFFFF, NumberBase::kDecimalOrHex, code, problem)) return Fail(problem);
+    if (!ParseNumber("the code", args[0], 0, 0xFFFFFFFF, NumberBase::kDecimalOrHex, code, problem)) return Misuse(problem);
     ZelSetError(static_cast<DWORD>(code));
     ZelErrorDetail detail;
     detail.text[0] = 0;

@@ -37,7 +37,7 @@ constexpr FlagName kFlagNames[] = {
     {"hangul", KConvHangul}, {"oldhangul", KConvOldHangul}, {"all", kDefaultFlags},
 };
 
-bool ParseFlags(const std::string& list, DWORD* flags) {
+bool ParseFlags(const std::string& list, DWORD* flags, std::string& problem) {
     *flags = 0;
     std::stringstream names(list);
     std::string name;
@@ -49,7 +49,7 @@ bool ParseFlags(const std::string& list, DWORD* flags) {
                 known = true;
             }
         }
-        if (!known) return Fail("unknown flag '" + name + "'"), false;
+        if (!known) return problem = "unknown flag '" + name + "'", false;
     }
     return true;
 }
@@ -83,7 +83,7 @@ int FromKChar(DWORD flags, const Args& args, size_t first) {
     while (words >> word) {
         KChar unit = 0;
         std::string problem;
-        if (!ParseUnit(word, &unit, problem)) return Fail(problem);
+        if (!ParseUnit(word, &unit, problem)) return Misuse(problem);
         units.push_back(unit);
     }
     units.push_back(0);
@@ -103,7 +103,8 @@ int RunKChar(const Args& args) {
     size_t first = 1;
     if (args.size() > 1 && args[1] == "--flags") {
         if (args.size() < 3) return Misuse("--flags takes a list of names");
-        if (!ParseFlags(args[2], &flags)) return 1;
+        std::string problem;
+        if (!ParseFlags(args[2], &flags, problem)) return Misuse(problem);
         first = 3;
     }
     return args[0] == "to" ? ToKChar(flags, args, first) : FromKChar(flags, args, first);

@@ -133,7 +133,7 @@ int RunPath(const Args& all) {
         std::string problem;
         if (!PathFits("the path", args[1])) return 1;
         if (!ParseNumber("MAX", args[2], 1, static_cast<long long>(kPathUnits), NumberBase::kDecimal, maximum, problem))
-            return Fail(problem);
+            return Misuse(problem);
         WCHAR path[MAX_PATH] = {};
         const std::u16string text = FromUtf8(args[1]);
         text.copy(path, text.size());

@@ -66,15 +66,20 @@ bool NameFits(const std::string& what, const std::u16string& name) {
     return false;
 }
 
-HKEY OpenForReading(const RegistryPath& path) {
+// The key opened with access; null, with the reason in opened, when it can't be.
+HKEY Open(const RegistryPath& path, std::string& opened, REGSAM access = KEY_READ) {
     HKEY key = nullptr;
-    if (ZelRegOpenKeyEx(path.root, path.path.c_str(), 0, KEY_READ, &key) != ERROR_SUCCESS) return nullptr;
-    return key;
+    const LONG status = ZelRegOpenKeyEx(path.root, path.path.c_str(), 0, access, &key);
+    if (status == ERROR_SUCCESS) return key;
+    opened = status == ERROR_FILE_NOT_FOUND ? "no key " + path.text
+                                            : "cannot open " + path.text + ": " + SystemErrorText(status);
+    return nullptr;
 }
 
 int List(const RegistryPath& path) {
-    HKEY key = OpenForReading(path);
-    if (!key) return Fail("no key " + path.text);
+    std::string opened;
+    HKEY key = Open(path, opened);
+    if (!key) return Fail(opened);
     WCHAR name[MAX_PATH];
     for (DWORD index = 0; ZelRegEnumKey(key, index, name, MAX_PATH) == ERROR_SUCCESS; ++index)
         printf("%s\\\n", ToUtf8(name).c_str());
@@ -92,8 +97,9 @@ int List(const RegistryPath& path) {
 }
 
 int Get(const RegistryPath& path, const std::string& name) {
-    HKEY key = OpenForReading(path);
-    if (!key) return Fail("no key " + path.text);
+    std::string opened;
+    HKEY key = Open(path, opened);
+    if (!key) return Fail(opened);
     std::u16string wideName = FromUtf8(name);
     DWORD type = 0, size = 0;
     LONG status = ZelRegQueryValueEx(key, wideName.c_str(), nullptr, &type, nullptr, &size);
@@ -143,7 +149,7 @@ int Set(const RegistryPath& path, const std::string& name, const std::string& ty
     std::vector<BYTE> bytes;
     std::string problem;
     if (!NameFits("the value name '" + name + "'", FromUtf8(name))) return 1;
-    if (!ValueBytes(type, value, regType, bytes, problem)) return Fail(problem);
+    if (!ValueBytes(type, value, regType, bytes, problem)) return Misuse(problem);
     HKEY key = nullptr;
     DWORD disposition = 0;
     LONG status = ZelRegCreateKeyEx(path.root, path.path.c_str(), 0, nullptr,
@@ -159,22 +165,24 @@ int Set(const RegistryPath& path, const std::string& name, const std::string& ty
 
 int Delete(const RegistryPath& path, const Args& args) {
     if (args.size() == 3) {
-        HKEY key = nullptr;
-        if (ZelRegOpenKeyEx(path.root, path.path.c_str(), 0, KEY_READ | KEY_WRITE, &key) != ERROR_SUCCESS)
-            return Fail("no key " + path.text);
-        LONG status = ZelRegDeleteValue(key, FromUtf8(args[2]).c_str());
+        std::string opened;
+        HKEY key = Open(path, opened, KEY_READ | KEY_WRITE);
+        if (!key) return Fail(opened);
+        const LONG status = ZelRegDeleteValue(key, FromUtf8(args[2]).c_str());
         ZelRegCloseKey(key);
-        return status == ERROR_SUCCESS ? 0 : Fail("no value '" + args[2] + "' in " + path.text);
+        if (status == ERROR_FILE_NOT_FOUND) return Fail("no value '" + args[2] + "' in " + path.text);
+        return status == ERROR_SUCCESS ? 0 : Fail("could not delete '" + args[2] + "': " + SystemErrorText(status));
     }
     size_t cut = path.path.rfind(u'\\');
     if (path.path.empty()) return Fail("a hive itself can't be deleted");
     std::u16string parent = cut == std::u16string::npos ? u"" : path.path.substr(0, cut);
     std::u16string own = cut == std::u16string::npos ? path.path : path.path.substr(cut + 1);
-    HKEY probe = OpenForReading(path);
-    if (!probe) return Fail("no key " + path.text);
+    std::string opened;
+    HKEY probe = Open(path, opened);
+    if (!probe) return Fail(opened);
     ZelRegCloseKey(probe);
     CZelRegistry registry(parent.c_str(), path.root);
-    return registry.DeleteSubKey(own.c_str()) ? 0 : Fail("could not delete " + path.text);
+    return registry.DeleteSubKey(own.c_str()) ? 0 : Fail("could not delete " + path.text + ": " + LastErrorText());
 }
 
 // What a save of a key should write: one section for each key with values, and the values.
@@ -228,10 +236,11 @@ int Save(const RegistryPath& path, const std::string& file) {
     if (cut == std::u16string::npos)
         return Fail("a key directly below the hive can't be saved: name a key below " + path.text);
     if (!WritableFile(file) || !NameFits("the key path " + path.text, path.path)) return 1;
-    HKEY probe = OpenForReading(path);
-    if (!probe) return Fail("no key " + path.text);
+    std::string opened;
+    HKEY probe = Open(path, opened);
+    if (!probe) return Fail(opened);
     ZelRegCloseKey(probe);
-    HKEY parent = OpenForReading({path.root, path.path.substr(0, cut), path.text});
+    HKEY parent = Open({path.root, path.path.substr(0, cut), path.text}, opened);
     TreeShape shape;
     std::string problem;
     const bool fits = parent && Walk(parent, path.path.substr(cut + 1), path.path.substr(cut + 1), shape, problem);

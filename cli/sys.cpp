@@ -54,7 +54,7 @@ int Time(const Args& args) {
         long long value = 0;
         std::string problem;
         if (!ParseNumber("the FILETIME", args[i], 0, kLastFiletime, NumberBase::kDecimalOrHex, value, problem))
-            return Fail(problem);
+            return Misuse(problem);
         time.dwLowDateTime = static_cast<DWORD>(value);
         time.dwHighDateTime = static_cast<DWORD>(static_cast<unsigned long long>(value) >> 32);
         given = true;
@@ -72,7 +72,7 @@ int MulDiv(const Args& args) {
     std::string problem;
     for (size_t i = 0; i < 3; ++i)
         if (!ParseNumber(names[i], args[i + 1], INT32_MIN, INT32_MAX, NumberBase::kDecimal, numbers[i], problem))
-            return Fail(problem);
+            return Misuse(problem);
     printf("%d\n", ZelIntMulDiv(static_cast<int>(numbers[0]), static_cast<int>(numbers[1]), static_cast<int>(numbers[2])));
     return 0;
 }

@@ -132,28 +132,34 @@ TEST(CarefulCommand, MisuseSaysWhatWasWrongThenTheUsageOnStandardError) {
     EXPECT_TRUE(Has(help.out, "Exit status: 0 done; 1 failed or refused")) << help.out;
 }
 
+// A number out of its form or range is a misuse; text that is no U+ form, or a refused name, a
+// failure.
 TEST(CarefulCommand, NumbersAreReadWholeInTheirBaseAndRange) {
+    const std::string key = "HKCU\\Software\\ZelCareful";
     struct Case {
         std::vector<std::string> args;
         int status;
         std::string out;
     } cases[] = {
-        {{"sys", "muldiv", "x", "y", "z"}, 1, ""},   {{"sys", "muldiv", "7", "1", "-2"}, 0, "-3\n"},
-        {{"sys", "muldiv", "2147483648", "1", "1"}, 1, ""}, {{"sys", "muldiv", "+1", "1", "1"}, 1, ""},
-        {{"path", "abbrev", "c:\\a\\b", "abc"}, 1, ""}, {{"path", "abbrev", "c:\\a\\b", "0"}, 1, ""},
-        {{"sys", "time", "-1"}, 1, ""},              {{"sys", "time", "0x7FFFFFFFFFFFFFFF0"}, 1, ""},
-        {{"kchar", "from", "-1"}, 1, ""},            {{"kchar", "from", "10000"}, 1, ""},
-        {{"kchar", "from", "0x41", "42"}, 0, "AB\n"}, {{"hex", "from", "U+12345"}, 1, ""},
-        {{"hex", "from", "U+0041"}, 0, "A\n"},       {{"reg", "set", "HKCU\\Software\\ZelCareful", "d", "dword", "-1"}, 1, ""},
-        {{"reg", "set", "HKCU\\Software\\ZelCareful", "d", "dword", " 1"}, 1, ""},
-        {{"conv", "-f", "0x3B5", "-t", "utf-8"}, 1, ""}, {{"error", "0x2 "}, 1, ""},
-        {{"path", "-D", "ThisNameIsTooLong=c:\\x", "list"}, 1, ""},
+        {{"sys", "muldiv", "x", "y", "z"}, 2, ""},           {{"sys", "muldiv", "7", "1", "-2"}, 0, "-3\n"},
+        {{"sys", "muldiv", "2147483648", "1", "1"}, 2, ""},  {{"sys", "muldiv", "+1", "1", "1"}, 2, ""},
+        {{"path", "abbrev", "c:\\a\\b", "abc"}, 2, ""},      {{"path", "abbrev", "c:\\a\\b", "0"}, 2, ""},
+        {{"sys", "time", "-1"}, 2, ""},                       {{"sys", "time", "0x7FFFFFFFFFFFFFFF0"}, 2, ""},
+        {{"kchar", "from", "-1"}, 2, ""},                     {{"kchar", "from", "10000"}, 2, ""},
+        {{"kchar", "from", "0x41", "42"}, 0, "AB\n"},        {{"reg", "set", key, "d", "dword", "-1"}, 2, ""},
+        {{"reg", "set", key, "d", "dword", " 1"}, 2, ""},     {{"conv", "-f", "0x3B5", "-t", "utf-8"}, 2, ""},
+        {{"error", "0x2 "}, 2, ""},                           {{"hex", "from", "U+12345"}, 1, ""},
+        {{"hex", "from", "U+0041"}, 0, "A\n"},               {{"path", "-D", "ThisNameIsTooLong=c:\\x", "list"}, 1, ""},
     };
     for (const Case& c : cases) {
         ProgramResult r = Zel(c.args, "A");
         EXPECT_EQ(r.status, c.status) << c.args[0] << " " << c.args[1] << " " << r.err;
-        if (c.status == 0) EXPECT_EQ(r.out, c.out) << c.args[0];
-        else EXPECT_NE(r.err, "") << c.args[0];
+        if (c.status == 0) {
+            EXPECT_EQ(r.out, c.out) << c.args[0];
+        } else {
+            EXPECT_EQ(r.out, "") << c.args[0];
+            EXPECT_EQ(r.err.rfind("zel " + c.args[0] + ": ", 0), 0u) << r.err;
+        }
     }
 }
 

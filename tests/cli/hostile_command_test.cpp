@@ -36,6 +36,13 @@ std::string RegistryFile(const std::string& key, const std::vector<std::string>&
     return bytes;
 }
 
+// INI text of about bytes bytes, a section with one entry after another.
+std::string ManySections(size_t bytes) {
+    std::string text;
+    for (int i = 0; text.size() < bytes; ++i) text += "[S" + std::to_string(i) + "]\nk=value " + std::to_string(i) + "\n";
+    return text;
+}
+
 struct Fixture {
     zeltest::TempDir dir;
     std::string goodText, goodIni, goodReg, profile, bigIni;
@@ -135,8 +142,7 @@ TEST(HostileCommand, BadInvocationsOfEverySubcommand) {
 // A write that fails part way, as on a full disk, changes nothing and says so.
 TEST(HostileCommand, AFullDiskLeavesTheOldFileWhole) {
     zeltest::TempDir dir;
-    std::string text;
-    for (int i = 0; text.size() < 200000; ++i) text += "[S" + std::to_string(i) + "]\nk=value " + std::to_string(i) + "\n";
+    const std::string text = ManySections(200000);
     zeltest::WriteFile(dir.file("in.txt"), text);
     ASSERT_EQ(Zel({"ini", "import", dir.file("in.txt"), dir.file("a.ini")}).status, 0);
     ASSERT_EQ(Zel({"reg", "set", "HKCU\\Software\\ZelHostile\\Full\\x", "v", "binary", std::string(4000, 'a')}).status, 0);
@@ -159,8 +165,7 @@ TEST(HostileCommand, AFullDiskLeavesTheOldFileWhole) {
 // Kills at random moments of a save: the file is the old one or the new one, never a cut one.
 TEST(HostileCommand, KillsDuringSavesLeaveTheOldOrTheNewFile) {
     zeltest::TempDir dir;
-    std::string text;
-    for (int i = 0; text.size() < 300000; ++i) text += "[S" + std::to_string(i) + "]\nk=value " + std::to_string(i) + "\n";
+    const std::string text = ManySections(300000);
     zeltest::WriteFile(dir.file("in.txt"), text);
     ASSERT_EQ(Zel({"ini", "import", dir.file("in.txt"), dir.file("old.ini")}).status, 0);
     zeltest::WriteFile(dir.file("in.txt"), text + "[New]\nk=v\n");

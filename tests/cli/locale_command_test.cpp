@@ -47,7 +47,7 @@ TEST(LocaleCommand, ErrorTakesAnyCodeAndRefusesNonsense) {
     ProgramResult none = ZelIn("0x409", {"error", "11"});
     EXPECT_EQ(none.status, 1);
     EXPECT_EQ(none.out, "");
-    for (const char* bad : {"x", "0x100000000", "-1", ""}) EXPECT_EQ(ZelIn("0x409", {"error", bad}).status, 1) << bad;
+    for (const char* bad : {"x", "0x100000000", "-1", ""}) EXPECT_EQ(ZelIn("0x409", {"error", bad}).status, 2) << bad;
 }
 
 TEST(LocaleCommand, PathsListsTheDefaultsInTableOrder) {

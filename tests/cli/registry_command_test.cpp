@@ -22,8 +22,8 @@ TEST(RegCommand, SetGetListAndDeleteValues) {
     EXPECT_EQ(Zel({"reg", "list", key}).out, "Sub\\\nName = sz \"Report\"\nCount = dword 16 (0x10)\n");
     EXPECT_EQ(Zel({"reg", "get", key + "\\Sub", "Mask"}).out, "binary 01 ff 20\n");
 
-    EXPECT_EQ(Zel({"reg", "set", key, "Bad", "dword", "12x"}).status, 1);
-    EXPECT_EQ(Zel({"reg", "set", key, "Bad", "qword", "1"}).status, 1);
+    EXPECT_EQ(Zel({"reg", "set", key, "Bad", "dword", "12x"}).status, 2);
+    EXPECT_EQ(Zel({"reg", "set", key, "Bad", "qword", "1"}).status, 2);
     EXPECT_EQ(Zel({"reg", "delete", key, "Name"}).status, 0);
     ProgramResult gone = Zel({"reg", "get", key, "Name"});
     EXPECT_EQ(gone.status, 1);
