@@ -16,7 +16,6 @@ const char kHexUsage[] =
     "       zel hex unescape [TEXT | -]  decode the /uXXXX escapes in the text\n\n"
     "Text is UTF-8 on the command line and on standard input and output.\n";
 
-
 int RunHex(const Args& args) {
     if (args.empty()) return Misuse("no action given");
     if (args[0] != "to" && args[0] != "from" && args[0] != "unescape") return Misuse("unknown action '" + args[0] + "'");
@@ -42,12 +41,9 @@ int RunHex(const Args& args) {
         printf("%s\n", ToUtf8(output.data()).c_str());
         return 0;
     }
-    if (args[0] == "unescape") {
-        std::u16string wide = FromUtf8(text);
-        std::vector<WCHAR> output(wide.size() + 1);
-        ZelHexChrToUniStr(wide.c_str(), output.data());
-        printf("%s\n", ToUtf8(output.data()).c_str());
-        return 0;
-    }
+    std::u16string wide = FromUtf8(text);
+    std::vector<WCHAR> output(wide.size() + 1);
+    ZelHexChrToUniStr(wide.c_str(), output.data());
+    printf("%s\n", ToUtf8(output.data()).c_str());
     return 0;
 }

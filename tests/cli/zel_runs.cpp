@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <signal.h>
 #include <spawn.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -61,8 +62,12 @@ void ZelKilledAfter(const std::vector<std::string>& args, long microseconds) {
 
 std::map<std::string, std::string> Snapshot(const std::string& directory) {
     std::map<std::string, std::string> files;
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(directory))
-        if (entry.is_regular_file()) files[entry.path().string()] = zeltest::ReadFile(entry.path().string());
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(directory)) {
+        struct stat st {};
+        if (!entry.is_regular_file() || stat(entry.path().c_str(), &st) != 0) continue;
+        files[entry.path().string()] = std::to_string(st.st_ino) + " " + std::to_string(st.st_size) + " " +
+                                       std::to_string(st.st_mtim.tv_sec) + "." + std::to_string(st.st_mtim.tv_nsec);
+    }
     return files;
 }
 

@@ -23,7 +23,7 @@ zeltest::ProgramResult ZelInShell(const std::string& shellPrefix, const std::vec
 // Starts zel with args, kills it after microseconds and waits for it.
 void ZelKilledAfter(const std::vector<std::string>& args, long microseconds);
 
-// Every file below directory with its bytes.
+// Every file below directory with what tells a change of it: its inode, size and time of change.
 std::map<std::string, std::string> Snapshot(const std::string& directory);
 
 }  // namespace zelcli
