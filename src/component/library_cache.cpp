@@ -7,18 +7,17 @@
 #include "paths/os/dynamic_calls.h"
 #include "platform/win32.h"
 #include "strings/wstr.h"
+#include "platform/process_object.h"
 
-ZelComLibraryCache& ZelComLibraries() {
-    static auto& cache = *new ZelComLibraryCache;
-    return cache;
-}
+namespace {
+
+constinit ZelProcessObject<ZelComLibraryCache> libraryCache;
+
+}  // namespace
+
+ZelComLibraryCache& ZelComLibraries() { return *libraryCache; }
 
 ZelComLibraryCache::~ZelComLibraryCache() { FreeAll(); }
-
-void ZelComLibraryCache::Release() {
-    FreeAll();
-    initializeCount = 0;
-}
 
 IClassFactory* ZelComLibraryCache::GetClassFactory(const WCHAR* path, REFCLSID rclsid) {
     if (!path) return nullptr;

@@ -28,9 +28,6 @@ public:
     IClassFactory* GetClassFactory(const WCHAR* path, REFCLSID rclsid);
     void Initialize();
     void Uninitialize();
-    // Frees every library still in the list, whatever the count of users: the unload of the
-    // library.
-    void Release();
 
     std::vector<ZelComLibraryRecord> records;  // in the order of loading
     LONG initializeCount = 0;
@@ -40,8 +37,8 @@ private:
     void FreeUnusedLibraries();
 };
 
-// The one list of the process, made at first use and never destroyed; the library's unload
-// releases what it holds.
+// The one list of the process, made at first use and destroyed, with every library still in it,
+// at unload.
 ZelComLibraryCache& ZelComLibraries();
 
 #endif  // ZEL_COMPONENT_LIBRARY_CACHE_H

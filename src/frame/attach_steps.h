@@ -8,7 +8,5 @@
 void ZelRegisterDefaultPaths();
 // Frees the path table.
 void ZelFreePathTable();
-// Empties the registry tree, frees the component libraries still loaded and the window map.
-void ZelReleaseProcessObjects();
 
 #endif  // ZEL_FRAME_ATTACH_STEPS_H

@@ -60,8 +60,6 @@ void ProcessDetach() {
     ZelExitModule(&g_zelOwnModule);
     UnloadUnicodeTbl();
     ReleaseThreadSlotAndPaths();
-    // Then the process-wide objects go, whether or not the attach got as far as the slot.
-    ZelReleaseProcessObjects();
 }
 
 }  // namespace

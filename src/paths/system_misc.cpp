@@ -4,6 +4,7 @@
 #include "paths/os/ansi_text.h"
 #include "platform/win32.h"
 #include "strings/wstr.h"
+#include "platform/process_object.h"
 
 DWORD ZelGetVolumeSerialNumber(const WCHAR* path) {
     if (!path || !*path) return 0;
@@ -26,8 +27,10 @@ int ZelIntMulDiv(int a, int b, int c) {
     return static_cast<int>(static_cast<unsigned long long>(product / c));
 }
 
-// Built at first use and never destroyed; the library's unload empties it.
-std::map<HWND, void*>& GetWMSWindowMap() {
-    static auto& map = *new std::map<HWND, void*>;
-    return map;
-}
+namespace {
+
+constinit ZelProcessObject<std::map<HWND, void*>> windowMap;
+
+}  // namespace
+
+std::map<HWND, void*>& GetWMSWindowMap() { return *windowMap; }

@@ -1,9 +1,12 @@
 // The process's tree and the resolution of handles to keys.
 #include <iterator>
 
+#include "platform/process_object.h"
 #include "settings/virtual_registry.h"
 
 namespace {
+
+constinit ZelProcessObject<VirtualRegistry> virtualRegistry;
 
 struct HiveRow {
     HKEY handle;
@@ -12,17 +15,7 @@ struct HiveRow {
 
 }  // namespace
 
-VirtualRegistry& ZelVirtualRegistry() {
-    static auto& registry = *new VirtualRegistry;
-    return registry;
-}
-
-void VirtualRegistry::Release() {
-    currentHive = nullptr;
-    classesRoot.clear();
-    currentUser.clear();
-    localMachine.clear();
-}
+VirtualRegistry& ZelVirtualRegistry() { return *virtualRegistry; }
 
 VirtualRegKey* VirtualRegistry::ResolveHandle(HKEY handle) {
     const HiveRow rows[] = {

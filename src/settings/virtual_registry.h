@@ -95,8 +95,6 @@ public:
     // Only a key without sub-keys, and only one that stands in the current hive's list.
     int DeleteKey(HKEY handle, const WCHAR* path);
     int DeleteValue(HKEY handle, const WCHAR* name);
-    // Frees every key of every hive; the tree is empty afterwards and still usable.
-    void Release();
 
 private:
     int FindKey(VirtualRegKey* start, const WCHAR* path, VirtualRegKey** key);
@@ -109,8 +107,7 @@ private:
     KeyList localMachine;
 };
 
-// The process's one tree: built at first use, and emptied of all its keys at unload. The object
-// itself is never destroyed, so a call that comes late still finds an empty tree.
+// The process's one tree: built at first use and destroyed, with all its keys, at unload.
 VirtualRegistry& ZelVirtualRegistry();
 
 #endif  // ZEL_SETTINGS_VIRTUAL_REGISTRY_H

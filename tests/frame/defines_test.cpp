@@ -32,6 +32,8 @@ void WithDefines(const std::vector<std::string>& names, const std::u16string& la
                   return ::testing::Test::HasFailure() ? 1 : 0;
               }),
               0);
+    // The child wrote to the registry that every case of this program shares.
+    for (const std::string& name : names) zeltest::DeleteRegistryValue(HKEY_LOCAL_MACHINE, kDefineKey, name);
 }
 
 TEST(Defines, WholeNamesOnlyAndCaseCounts) {

@@ -12,7 +12,7 @@ objects=()
 for object in "$@"; do objects=("$object" "${objects[@]}"); done
 
 mkdir -p "$dir"
-"$compiler" -shared -fPIC "${flags[@]}" -Wl,-soname,libZelBL70KT.so.0 -Wl,--version-script="$script" \
+"$compiler" -shared -fPIC "${flags[@]}" -Wl,-soname,libZelBL70KT.so.0 -Wl,--version-script="$script" -Wl,-Bsymbolic-functions \
   -o "$dir/libZelBL70KT.so.0" "${objects[@]}" -lpthread -ldl
 for beside in "$(dirname "$library")"/libZelBL70KT.{KOR,ENU,JPN} "$(dirname "$library")/Code"; do
   ln -sfn "$beside" "$dir/$(basename "$beside")"

@@ -14,6 +14,7 @@
 
 #include "platform/posix/file_info.h"
 #include "platform/win32.h"
+#include "platform/process_object.h"
 
 namespace {
 
@@ -25,12 +26,9 @@ struct OpenFile {
 // The open files by handle value. Values step by 16 from 16 and are never given twice, so a
 // closed handle stays unknown instead of naming a later file.
 std::mutex tableLock;
-// Built at first use and never destroyed: process attach opens files before any constructor of
-// this file would have run, and detach may close them after destructors would have.
-std::map<uintptr_t, OpenFile>& OpenFiles() {
-    static auto& files = *new std::map<uintptr_t, OpenFile>;
-    return files;
-}
+// Process attach opens files, and detach may close them.
+constinit ZelProcessObject<std::map<uintptr_t, OpenFile>> openFiles;
+std::map<uintptr_t, OpenFile>& OpenFiles() { return *openFiles; }
 uintptr_t lastHandle = 0;
 
 HANDLE AddFile(const OpenFile& file) {

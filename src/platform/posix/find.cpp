@@ -12,6 +12,7 @@
 
 #include "platform/posix/file_info.h"
 #include "platform/win32.h"
+#include "platform/process_object.h"
 
 namespace {
 
@@ -45,11 +46,8 @@ struct Search {
 };
 
 std::mutex tableLock;
-// Built at first use and never destroyed, so a search works whenever the library's entry runs.
-std::map<uintptr_t, Search>& Searches() {
-    static auto& searches = *new std::map<uintptr_t, Search>;
-    return searches;
-}
+constinit ZelProcessObject<std::map<uintptr_t, Search>> searches;
+std::map<uintptr_t, Search>& Searches() { return *searches; }
 uintptr_t lastHandle = 8;  // search handles step by 16 from 24: apart from file handles
 
 // Fills the record of the next name that still exists; false at the end.

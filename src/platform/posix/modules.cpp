@@ -16,6 +16,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/process_object.h"
 #include "platform/win32.h"
 
 namespace {
@@ -28,11 +29,19 @@ struct DataModule {
 };
 
 std::mutex dataLock;
-// Built at first use and never destroyed: the library's entry loads its resource file at attach.
-std::vector<DataModule*>& DataModules() {
-    static auto& modules = *new std::vector<DataModule*>;
-    return modules;
-}
+// The data modules still loaded; the library's entry loads its resource file at attach and frees
+// it at detach. Those a program never freed go with the library.
+struct DataModuleList {
+    std::vector<DataModule*> modules;
+    DataModuleList() = default;
+    DataModuleList(const DataModuleList&) = delete;
+    DataModuleList& operator=(const DataModuleList&) = delete;
+    ~DataModuleList() {
+        for (DataModule* module : modules) delete module;
+    }
+};
+constinit ZelProcessObject<DataModuleList> dataModules;
+std::vector<DataModule*>& DataModules() { return dataModules->modules; }
 
 bool IsDataHandle(HMODULE module) { return (reinterpret_cast<uintptr_t>(module) & 1) != 0; }
 

@@ -6,6 +6,7 @@
 
 #include <mutex>
 
+#include "platform/process_object.h"
 #include "platform/win32.h"
 
 namespace {
@@ -63,6 +64,9 @@ void ZelPlatformProcessAttach() {
 
 void ZelPlatformProcessDetach() {
     DllMain(reinterpret_cast<HINSTANCE>(ownModule), DLL_PROCESS_DETACH, nullptr);
+    // Then the library's process-wide objects go: the registry tree with its keys, the component
+    // libraries still loaded, the window map, and the platform's tables.
+    ZelPlatformReleaseProcessObjects();
     // Threads still running must not call into a library that is gone.
     if (exitKeyReady) pthread_key_delete(exitKey);
     exitKeyReady = false;

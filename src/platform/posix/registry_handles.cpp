@@ -6,6 +6,7 @@
 #include <unordered_map>
 
 #include "platform/posix/registry_store.h"
+#include "platform/process_object.h"
 
 namespace zelreg {
 namespace {
@@ -21,11 +22,8 @@ struct HandleTable {
     std::unordered_map<uintptr_t, KeyRef> refs;
 };
 
-// Built at first use and never destroyed, as the hives are.
-HandleTable& Table() {
-    static auto& table = *new HandleTable;
-    return table;
-}
+constinit ZelProcessObject<HandleTable> table;
+HandleTable& Table() { return *table; }
 
 }  // namespace
 

@@ -14,6 +14,7 @@
 
 #include "platform/posix/registry_files.h"
 #include "platform/posix/registry_format.h"
+#include "platform/process_object.h"
 
 namespace zelreg {
 namespace {
@@ -30,20 +31,20 @@ struct HiveSlot {
     LONG readError = ERROR_SUCCESS;
 };
 
-// Built at first use and never destroyed: the library's entry reads and writes hives at load and
-// at unload, whatever the order of the other files' constructors and destructors.
-HiveSlot* Slots() {
-    static HiveSlot* const slots = [] {
-        auto* made = new HiveSlot[kHiveSlots];
-        made[kClassesRoot].fileName = "classes_root.hive";
-        made[kCurrentUser].fileName = "current_user.hive";
-        made[kLocalMachine].fileName = "local_machine.hive";
-        made[kUsers].fileName = "users.hive";
-        made[kCurrentConfig].fileName = "current_config.hive";
-        return made;
-    }();
-    return slots;
-}
+struct HiveSlots {
+    HiveSlot slots[kHiveSlots];
+    HiveSlots() {
+        slots[kClassesRoot].fileName = "classes_root.hive";
+        slots[kCurrentUser].fileName = "current_user.hive";
+        slots[kLocalMachine].fileName = "local_machine.hive";
+        slots[kUsers].fileName = "users.hive";
+        slots[kCurrentConfig].fileName = "current_config.hive";
+    }
+};
+
+// The library's entry reads and writes hives at load and at unload.
+constinit ZelProcessObject<HiveSlots> hiveSlots;
+HiveSlot* Slots() { return hiveSlots->slots; }
 
 // The volatile directory is trusted only when it is this user's and no one else may write to it.
 bool TrustedDirectory(const std::string& path) {
