@@ -55,7 +55,9 @@ bool Load(CZelIniManager& ini, const std::string& file, bool missingIsEmpty = fa
             return false;
         case 4: Fail(file + ": the header doesn't match"); return false;
         case 5: Fail(file + ": not a UTF-16 INI file (no byte order mark)"); return false;
-        default: Fail(file + ": could not read it (too large, damaged, or a section name of more than 257 characters)"); return false;
+        default:
+            Fail(file + ": could not read it (too large, damaged, or a section name of more than 257 characters)");
+            return false;
     }
 }
 

@@ -202,7 +202,8 @@ TEST(CarefulCommand, SortingLinesKeepsMemoryBounded) {
     zeltest::TempDir dir;
     std::string input;
     const char* words[] = {"가나다", "abc", "한국어 텍스트", "ㄱ", "zeta", "힣", "옛한글"};
-    for (unsigned i = 0; input.size() < (8u << 20); ++i) input += std::string(words[i * 7919 % 7]) + std::to_string(i % 1000) + "\n";
+    for (unsigned i = 0; input.size() < (8u << 20); ++i)
+        input += std::string(words[i * 7919 % 7]) + std::to_string(i % 1000) + "\n";
     zeltest::WriteFile(dir.file("in.txt"), input);
     const int megabytes = zeltest::RunInChild([&] {
         ProgramResult sorted = Zel({"sortkey", "--sort", dir.file("in.txt")});

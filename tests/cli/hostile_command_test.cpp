@@ -4,6 +4,7 @@
 // changed by a command that failed; after a kill the old file or the new one, whole.
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <filesystem>
 #include <random>
 #include <string>
@@ -31,7 +32,8 @@ std::string RegistryFile(const std::string& key, const std::vector<std::string>&
     std::string bytes = text(key);
     for (const std::string& section : sections) {
         bytes += text(section) + number(static_cast<size_t>(values));
-        for (int i = 0; i < values; ++i) bytes += text("value" + std::to_string(i)) + number(3) + text(std::string(dataBytes, 'd'));
+        for (int i = 0; i < values; ++i)
+            bytes += text("value" + std::to_string(i)) + number(3) + text(std::string(dataBytes, 'd'));
     }
     return bytes;
 }
@@ -213,7 +215,8 @@ TEST(HostileCommand, KillsDuringSavesLeaveTheOldOrTheNewFile) {
         zeltest::WriteFile(trial.target, trial.oldBytes);
         const auto start = std::chrono::steady_clock::now();
         ASSERT_EQ(Zel(trial.args).status, 0);
-        const long whole = std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::steady_clock::now() - start).count();
+        const long whole =
+            std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::steady_clock::now() - start).count();
         int sawOld = 0, sawNew = 0;
         for (int i = 0; i < 50; ++i) {
             zeltest::WriteFile(trial.target, trial.oldBytes);
