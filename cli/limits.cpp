@@ -17,6 +17,11 @@ bool PathFits(const std::string& what, const std::string& path, size_t reserve) 
                                              std::to_string(reserve) + " for the new copy beside it,"
                                        : "the library's paths hold";
     std::u16string wide = FromUtf8(path);
+    // Names on disk are UTF-8 to the library: any other bytes would name another file.
+    if (ToUtf8(wide.c_str()) != path) {
+        Fail(what + " '" + path + "' is not UTF-8, and the library names files in UTF-8 only");
+        return false;
+    }
     if (!Fits(what + " '" + path + "'", wide, kPathUnits - reserve, reason)) return false;
     if (wide.find(u"${") == std::u16string::npos) return true;
     // An expansion that fills the buffer may have been cut: it counts as too long.

@@ -45,8 +45,16 @@ std::string ManySections(size_t bytes) {
     return text;
 }
 
+// The directory that zel runs in for a while: names without a directory land there.
+struct WorkingDirectory {
+    std::filesystem::path old = std::filesystem::current_path();
+    explicit WorkingDirectory(const std::string& path) { std::filesystem::current_path(path); }
+    ~WorkingDirectory() { std::filesystem::current_path(old); }
+};
+
 struct Fixture {
     zeltest::TempDir dir;
+    WorkingDirectory cwd{dir.path()};
     std::string goodText, goodIni, goodReg, profile, bigIni;
     std::vector<std::string> kinds;
 
