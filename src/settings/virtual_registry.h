@@ -15,8 +15,11 @@
 
 #include <zel/wintypes.h>
 
+#include <cstddef>
 #include <memory>
 #include <string>
+#include <string_view>
+#include <unordered_map>
 #include <vector>
 
 struct VirtualRegValue {
@@ -24,6 +27,23 @@ struct VirtualRegValue {
     DWORD type = 0;
     std::vector<BYTE> data;  // as the caller gave it, no terminator added
 };
+
+struct VirtualRegKey;
+class VirtualRegKeyList;
+
+// Key names as _ustricmp sees them: a to z fold to A to Z, every other unit stays. Two names that
+// compare equal there hash alike here.
+struct VirtualRegNameHash {
+    size_t operator()(std::u16string_view name) const;
+};
+struct VirtualRegNameEqual {
+    bool operator()(std::u16string_view a, std::u16string_view b) const;
+};
+
+// The children of one key by folded name. The views point into the children's own names, which
+// never change while a child is linked.
+using VirtualRegChildIndex = std::unordered_map<std::u16string_view, VirtualRegKey*, VirtualRegNameHash,
+                                                VirtualRegNameEqual>;
 
 struct VirtualRegKey {
     std::u16string name;  // the form of its first creation
@@ -39,12 +59,45 @@ struct VirtualRegKey {
     VirtualRegKey* firstChild = nullptr;
     VirtualRegKey* nextSibling = nullptr;
     VirtualRegKey* prevSibling = nullptr;
+
+    // The end of the chain, where a new child goes.
+    VirtualRegKey* lastChild = nullptr;
+    // Built once the key has more than a handful of children, and kept up to date from then on.
+    std::unique_ptr<VirtualRegChildIndex> childIndex;
+    // The child that EnumKey gave last and its position, so that a walk in order takes one step a
+    // call. Null when unknown.
+    VirtualRegKey* enumChild = nullptr;
+    DWORD enumChildIndex = 0;
+    // The hive list that holds the key, and its place there.
+    VirtualRegKeyList* list = nullptr;
+    size_t slot = 0;
+};
+
+// The keys of a hive in order of creation, owned. Element 0 is the hive's root; the others follow
+// flat, whatever their depth. A key leaves in constant time: its place stays empty until the
+// empty places are half the list, when the list closes up.
+class VirtualRegKeyList {
+public:
+    constexpr VirtualRegKeyList() = default;
+    bool empty() const { return live_ == 0; }
+    // The first key of the list; the list must not be empty.
+    VirtualRegKey* front();
+    void push_back(std::unique_ptr<VirtualRegKey> key);
+    bool Holds(const VirtualRegKey* key) const { return key->list == this; }
+    // Destroys a key that the list holds.
+    void Erase(VirtualRegKey* key);
+    void clear();
+
+private:
+    std::vector<std::unique_ptr<VirtualRegKey>> keys_;
+    size_t live_ = 0;
+    size_t head_ = 0;  // no key stands in front of this place
 };
 
 class VirtualRegistry {
 public:
     // Element 0 is the hive's root; then every other key of the hive in order of creation, flat.
-    using KeyList = std::vector<std::unique_ptr<VirtualRegKey>>;
+    using KeyList = VirtualRegKeyList;
 
     constexpr VirtualRegistry() = default;
     VirtualRegistry(const VirtualRegistry&) = delete;
@@ -64,7 +117,8 @@ public:
     // files them there (and DeleteKey can then find them only while that hive is current).
     int CreateKey(HKEY handle, const WCHAR* path, HKEY* key);
     // The name of the index-th sub-key in order of creation, copied with its terminator when the
-    // buffer is given. capacity counts the terminator; a name that does not fit fails.
+    // buffer is given. capacity counts the terminator; a name that does not fit fails. A walk by
+    // rising or falling index costs one step a call.
     int EnumKey(HKEY handle, DWORD index, WCHAR* name, DWORD capacity);
     // The value's name (fails when its length is above capacity, which counts characters without
     // the terminator; capacity is only read), its type when the place is given, and all its bytes
@@ -100,6 +154,9 @@ public:
 
 private:
     int FindKey(VirtualRegKey* start, const WCHAR* path, VirtualRegKey** key);
+    // The sub-key at index, or null.
+    static VirtualRegKey* ChildAt(VirtualRegKey* key, DWORD index);
+    static VirtualRegKey* FindChild(VirtualRegKey* parent, const WCHAR* name);
     int CreateKeyPath(VirtualRegKey* start, const WCHAR* path, VirtualRegKey** key);
 
     // The first field is the hive that the last predefined handle selected.
