@@ -16,7 +16,7 @@
 
 #include "bench_temp_file.h"
 #include "platform/win32.h"
-#include "ratio_reporter.h"
+#include "cpu_times.h"
 
 namespace {
 
@@ -230,27 +230,6 @@ void Load(benchmark::State& state, const std::string& label) {
     PerKey(state, ready.shape.nodes.size());
 }
 
-// Keeps CPU times as well, which a machine shared with builds disturbs less than real times.
-class CpuRatioReporter : public RatioReporter {
-public:
-    void ReportRuns(const std::vector<Run>& runs) override {
-        for (const Run& run : runs) {
-            if (run.error_occurred || (run.run_type != Run::RT_Iteration && run.aggregate_name != "median")) continue;
-            const double time = run.GetAdjustedCPUTime();
-            const auto [at, added] = cpu_.emplace(run.run_name.str(), time);
-            if (!added && run.run_type == Run::RT_Iteration) at->second = std::min(at->second, time);
-        }
-        RatioReporter::ReportRuns(runs);
-    }
-    double Cpu(const std::string& name) const {
-        auto found = cpu_.find(name);
-        return found == cpu_.end() ? 0 : found->second;
-    }
-
-private:
-    std::map<std::string, double> cpu_;
-};
-
 using Operation = void (*)(benchmark::State&, const std::string&);
 const std::pair<const char*, Operation> kOperations[] = {
     {"create", Create}, {"open", Open},   {"look-up", LookUp}, {"EnumKey", EnumKeys},
@@ -258,7 +237,7 @@ const std::pair<const char*, Operation> kOperations[] = {
 };
 
 // CPU µs a key for each operation and shape, and the cost at 100,000 children over that at 100.
-void PrintPerKey(const CpuRatioReporter& reporter, const std::vector<std::string>& labels) {
+void PrintPerKey(const CpuTimesReporter& reporter, const std::vector<std::string>& labels) {
     std::printf("\nCPU time a key, µs (ratio: 100,000 children over 100)\n%-14s", "");
     for (const std::string& label : labels) std::printf(" %10s", label.c_str());
     std::printf(" %10s\n", "ratio");
@@ -289,7 +268,7 @@ int main(int argc, char** argv) {
         for (const std::string& label : labels)
             benchmark::RegisterBenchmark((std::string(operation) + "/" + label).c_str(), run, label)
                 ->Unit(benchmark::kMillisecond);
-    CpuRatioReporter reporter;
+    CpuTimesReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
     PrintPerKey(reporter, labels);
     benchmark::Shutdown();
