@@ -192,7 +192,10 @@ TEST(VirtualRegistry, DeletionSearchesTheCurrentHiveOnly) {
     EXPECT_EQ(0u, Key(fresh)->subKeyCount);
 
     // While the hive's list still holds a key of another hive, that key stands first in it.
-    HKEY filed = Create(tree, user, u"filed");
+    HKEY u = nullptr;
+    tree.OpenKey(HKEY_CURRENT_USER, u"U", &u);
+    tree.OpenKey(HKEY_LOCAL_MACHINE, nullptr, &fresh);
+    HKEY filed = Create(tree, u, u"filed");
     EXPECT_EQ(1, tree.DeleteKey(HKEY_LOCAL_MACHINE, nullptr));
     EXPECT_EQ(1, tree.OpenKey(HKEY_LOCAL_MACHINE, nullptr, &fresh));
     EXPECT_EQ(filed, fresh);
