@@ -272,9 +272,6 @@ private:
 
     // Ends a load: frees the buffer and closes the file.
     void _ReleaseRead();
-    // Tells the index that positions moved or an id changed: of all sections, or of one.
-    void _ForgetPositions();
-    void _ForgetIds(const tagZELINISECTION* section);
 
     std::vector<tagZELINISECTION*> secList;
     std::u16string headerInfo;

@@ -37,4 +37,9 @@ struct ZelIniNameIndex {
     std::unordered_map<const tagZELINISECTION*, Ids> ids;
 };
 
+// Tell an object's index, when it has one, that section positions moved, or that a section's ids
+// changed or moved (or that the section goes).
+void ZelIniForgetPositions(ZelIniNameIndex* index);
+void ZelIniForgetIds(ZelIniNameIndex* index, const tagZELINISECTION* section);
+
 #endif  // ZEL_SETTINGS_INI_INTERNAL_H

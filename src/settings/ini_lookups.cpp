@@ -79,14 +79,14 @@ int CZelIniManager::_FindValueItem(int secIndex, const WCHAR* id, tagZELINIVALUE
     return index;
 }
 
-void CZelIniManager::_ForgetPositions() {
-    if (!nameIndex) return;
-    nameIndex->sections.clear();
-    nameIndex->sectionsSeen = 0;
+void ZelIniForgetPositions(ZelIniNameIndex* index) {
+    if (!index) return;
+    index->sections.clear();
+    index->sectionsSeen = 0;
 }
 
-void CZelIniManager::_ForgetIds(const tagZELINISECTION* section) {
-    if (nameIndex) nameIndex->ids.erase(section);
+void ZelIniForgetIds(ZelIniNameIndex* index, const tagZELINISECTION* section) {
+    if (index) index->ids.erase(section);
 }
 
 int CZelIniManager::_FindValueItem(int secIndex, int idIndex, tagZELINIVALUE** value) {
