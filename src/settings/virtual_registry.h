@@ -16,10 +16,10 @@
 #include <zel/wintypes.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 struct VirtualRegValue {
@@ -31,19 +31,27 @@ struct VirtualRegValue {
 struct VirtualRegKey;
 class VirtualRegKeyList;
 
-// Key names as _ustricmp sees them: a to z fold to A to Z, every other unit stays. Two names that
-// compare equal there hash alike here.
-struct VirtualRegNameHash {
-    size_t operator()(std::u16string_view name) const;
-};
-struct VirtualRegNameEqual {
-    bool operator()(std::u16string_view a, std::u16string_view b) const;
-};
+// The children of one key by name, folded as _ustricmp folds (a to z to A to Z, every other unit
+// as it is), so that two names equal there are one name here. Open addressing with linear probing
+// over a power of two of slots, each with the name's hash and the child.
+class VirtualRegChildIndex {
+public:
+    VirtualRegKey* Find(std::u16string_view name) const;
+    // A name that is there already keeps its child: the first one is the one found.
+    void Insert(VirtualRegKey* child);
+    void Erase(const VirtualRegKey* child);
 
-// The children of one key by folded name. The views point into the children's own names, which
-// never change while a child is linked.
-using VirtualRegChildIndex = std::unordered_map<std::u16string_view, VirtualRegKey*, VirtualRegNameHash,
-                                                VirtualRegNameEqual>;
+private:
+    struct Slot {
+        uint32_t hash;
+        VirtualRegKey* key;  // null: free
+    };
+    size_t Home(uint32_t hash) const { return hash & (slots_.size() - 1); }
+    void Place(uint32_t hash, VirtualRegKey* child);
+
+    std::vector<Slot> slots_;
+    size_t used_ = 0;
+};
 
 struct VirtualRegKey {
     std::u16string name;  // the form of its first creation

@@ -92,10 +92,7 @@ int VirtualRegistry::DeleteKey(HKEY handle, const WCHAR* path) {
         if (parent->firstChild == key) parent->firstChild = key->nextSibling;
         if (parent->lastChild == key) parent->lastChild = key->prevSibling;
         --parent->subKeyCount;
-        if (parent->childIndex) {
-            auto entry = parent->childIndex->find(key->name);
-            if (entry != parent->childIndex->end() && entry->second == key) parent->childIndex->erase(entry);
-        }
+        if (parent->childIndex) parent->childIndex->Erase(key);
         // An enumeration that stood on this key goes on from its neighbour; one that stood
         // elsewhere starts again, since the positions behind the key moved.
         if (parent->enumChild == key && key->prevSibling) {

@@ -32,13 +32,10 @@ VirtualRegKey* VirtualRegistry::FindChild(VirtualRegKey* parent, const WCHAR* na
     if (!parent->childIndex && parent->subKeyCount > kChainedChildren) {
         auto index = std::make_unique<VirtualRegChildIndex>();
         for (VirtualRegKey* child = parent->firstChild; child; child = child->nextSibling)
-            if (!child->name.empty()) index->emplace(child->name, child);
+            if (!child->name.empty()) index->Insert(child);
         parent->childIndex = std::move(index);
     }
-    if (parent->childIndex) {
-        auto found = parent->childIndex->find(std::u16string_view(name));
-        return found == parent->childIndex->end() ? nullptr : found->second;
-    }
+    if (parent->childIndex) return parent->childIndex->Find(name);
     for (VirtualRegKey* child = parent->firstChild; child; child = child->nextSibling) {
         if (!child->name.empty() && _ustricmp(child->name.c_str(), name) == 0) return child;
     }
@@ -96,7 +93,7 @@ int VirtualRegistry::CreateKeyPath(VirtualRegKey* start, const WCHAR* path, Virt
         currentHive->push_back(std::move(made));
         if (current->childIndex) {
             try {
-                current->childIndex->emplace(child->name, child);
+                current->childIndex->Insert(child);
             } catch (...) {
                 currentHive->Erase(child);
                 throw;
