@@ -31,12 +31,15 @@ public:
 
     // As ZelNarrowArg gives it.
     std::string Narrow(const WCHAR* text) const;
-    const std::string& NarrowName(const WCHAR* name);
+    std::string NarrowName(const WCHAR* name);
     // Into text, which holds count units, as ZelAnsiToUnicode gives it with a buffer of count + 1.
     void Widen(const char* ansi, WCHAR* text, size_t count) const;
     void WidenName(const char* ansi, WCHAR* text, size_t count);
 
 private:
+    // Longer names are converted each time rather than remembered.
+    static constexpr size_t kRememberedUnits = 64;
+
     DWORD codePage_;
     std::unordered_map<std::u16string, std::string> narrowNames_;
     std::unordered_map<std::string, std::u16string> wideNames_;

@@ -3,7 +3,9 @@
 // do again; names are remembered for the rest of the call.
 #include <zel/codetables.h>
 
+#include <algorithm>
 #include <cstring>
+#include <string_view>
 #include <vector>
 
 #include "codetables/codepage_table_path.h"
@@ -20,10 +22,11 @@ std::string ZelRegFileTexts::Narrow(const WCHAR* text) const {
     return ansi;
 }
 
-const std::string& ZelRegFileTexts::NarrowName(const WCHAR* name) {
-    std::u16string key(name);
-    auto found = narrowNames_.find(key);
-    if (found == narrowNames_.end()) found = narrowNames_.emplace(std::move(key), Narrow(name)).first;
+std::string ZelRegFileTexts::NarrowName(const WCHAR* name) {
+    std::u16string_view key(name);
+    if (key.size() > kRememberedUnits) return Narrow(name);
+    auto found = narrowNames_.find(std::u16string(key));
+    if (found == narrowNames_.end()) found = narrowNames_.emplace(key, Narrow(name)).first;
     return found->second;
 }
 
@@ -36,11 +39,15 @@ void ZelRegFileTexts::Widen(const char* ansi, WCHAR* text, size_t count) const {
 }
 
 void ZelRegFileTexts::WidenName(const char* ansi, WCHAR* text, size_t count) {
+    if (std::strlen(ansi) > kRememberedUnits) return Widen(ansi, text, count);
     auto found = wideNames_.find(ansi);
     if (found == wideNames_.end()) {
-        std::u16string wide(count, u'\0');
+        std::vector<WCHAR> wide(count);
         Widen(ansi, wide.data(), count);
-        found = wideNames_.emplace(ansi, std::move(wide)).first;
+        found = wideNames_.emplace(ansi, std::u16string(wide.data())).first;
     }
-    std::memcpy(text, found->second.data(), count * sizeof(WCHAR));
+    // The text, and zeros to the end as the conversion leaves them.
+    const std::u16string& known = found->second;
+    std::memcpy(text, known.c_str(), (known.size() + 1) * sizeof(WCHAR));
+    std::fill(text + known.size() + 1, text + count, WCHAR{0});
 }
