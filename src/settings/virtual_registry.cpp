@@ -53,7 +53,6 @@ void VirtualRegChildIndex::Place(uint32_t hash, VirtualRegKey* child) {
 }
 
 void VirtualRegChildIndex::Insert(VirtualRegKey* child) {
-    if (Find(child->name)) return;
     // At most three quarters full; the new table is made whole before it replaces the old one.
     if ((used_ + 1) * 4 > slots_.size() * 3) {
         std::vector<Slot> old(std::max<size_t>(16, slots_.size() * 2), Slot{0, nullptr});

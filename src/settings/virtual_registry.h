@@ -37,7 +37,7 @@ class VirtualRegKeyList;
 class VirtualRegChildIndex {
 public:
     VirtualRegKey* Find(std::u16string_view name) const;
-    // A name that is there already keeps its child: the first one is the one found.
+    // The child's name must not be there yet.
     void Insert(VirtualRegKey* child);
     void Erase(const VirtualRegKey* child);
 

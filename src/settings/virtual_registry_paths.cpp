@@ -32,7 +32,7 @@ VirtualRegKey* VirtualRegistry::FindChild(VirtualRegKey* parent, const WCHAR* na
     if (!parent->childIndex && parent->subKeyCount > kChainedChildren) {
         auto index = std::make_unique<VirtualRegChildIndex>();
         for (VirtualRegKey* child = parent->firstChild; child; child = child->nextSibling)
-            if (!child->name.empty()) index->Insert(child);
+            if (!child->name.empty() && !index->Find(child->name)) index->Insert(child);
         parent->childIndex = std::move(index);
     }
     if (parent->childIndex) return parent->childIndex->Find(name);
@@ -91,6 +91,7 @@ int VirtualRegistry::CreateKeyPath(VirtualRegKey* start, const WCHAR* path, Virt
         // Filed in the list, then in the index, then linked: should a step throw, the tree is as
         // it was for this key.
         currentHive->push_back(std::move(made));
+        // The first new key's name was just looked for in vain; the others' parents are new.
         if (current->childIndex) {
             try {
                 current->childIndex->Insert(child);
