@@ -1,11 +1,18 @@
-// The INI store on a file of 100,000 entries (1,000 sections of 100 ids): a load, a save, and
-// the look-up of every entry by name, where each look-up scans the sections and then the ids one
-// by one, so its cost grows with the position. No peer: entries per second.
+// The INI store at 10 and at 3,000 sections of 100 ids: a load, a save, and the look-up of every
+// entry by section name and id in a random order, and by position. Costs are reported per entry,
+// with the cost at 3,000 sections over the cost at 10 at the end: near 1 where a look-up does not
+// grow with the store. Then the profile calls on an 8-bit INI file of 10,000 keys, one read of a
+// key against one read of the whole file. No peer.
 #include <benchmark/benchmark.h>
+#include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <map>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -13,12 +20,13 @@
 
 #include "bench_temp_file.h"
 #include "platform/win32.h"
+#include "cpu_times.h"
 
 namespace {
 
-constexpr int kSections = 1000;
+const int kSectionCounts[] = {10, 3000};
 constexpr int kIds = 100;
-constexpr int kEntries = kSections * kIds;
+constexpr int kProfileSections = 100;  // of kIds keys each
 
 std::u16string Number(const char16_t* prefix, int n, const char16_t* suffix = u"") {
     std::u16string text = prefix;
@@ -26,90 +34,189 @@ std::u16string Number(const char16_t* prefix, int n, const char16_t* suffix = u"
     return text + suffix;
 }
 
-const std::vector<std::u16string>& SectionNames() {
-    static const std::vector<std::u16string> names = [] {
-        std::vector<std::u16string> made;
-        for (int s = 0; s < kSections; ++s) made.push_back(Number(u"[Section", s, u"]"));
-        return made;
-    }();
-    return names;
-}
+struct Names {
+    std::vector<std::u16string> sections;
+    std::vector<std::u16string> ids;
+    explicit Names(int sectionCount) {
+        for (int s = 0; s < sectionCount; ++s) sections.push_back(Number(u"[Section", s, u"]"));
+        for (int i = 0; i < kIds; ++i) ids.push_back(Number(u"Key", i));
+    }
+};
 
-const std::vector<std::u16string>& Ids() {
-    static const std::vector<std::u16string> ids = [] {
-        std::vector<std::u16string> made;
-        for (int i = 0; i < kIds; ++i) made.push_back(Number(u"Key", i));
-        return made;
-    }();
-    return ids;
-}
-
-void Fill(CZelIniManager& ini) {
-    for (int s = 0; s < kSections; ++s) {
-        const int section = ini.AddSection(SectionNames()[s].c_str());
-        for (int i = 0; i < kIds; ++i)
-            ini.AddIdValueStr(section, Ids()[i].c_str(), u"c:\\program files\\suite\\data \uD55C\uAE00");
+void Fill(CZelIniManager& ini, const Names& names) {
+    for (const std::u16string& name : names.sections) {
+        const int section = ini.AddSection(name.c_str());
+        for (const std::u16string& id : names.ids)
+            ini.AddIdValueStr(section, id.c_str(), u"c:\\program files\\suite\\data \uD55C\uAE00");
     }
 }
 
-const BenchFile& SavedFile() {
-    static const BenchFile file;
-    static const bool saved = [] {
+// A store of each size, filled once, and its file.
+struct Store {
+    Names names;
+    CZelIniManager ini;
+    BenchFile file;
+    explicit Store(int sections) : names(sections) {
+        Fill(ini, names);
+        if (ini.SaveCfgToFile(file.path.c_str()) != 1) std::abort();
+    }
+    size_t Entries() const { return names.sections.size() * names.ids.size(); }
+};
+
+Store& StoreOf(int sections) {
+    static std::map<int, Store> stores;
+    auto found = stores.find(sections);
+    if (found == stores.end()) found = stores.try_emplace(sections, sections).first;
+    return found->second;
+}
+
+void PerEntry(benchmark::State& state, size_t entries) {
+    state.counters["entries"] = static_cast<double>(entries);
+    state.counters["per_entry"] = benchmark::Counter(static_cast<double>(entries), benchmark::Counter::kIsIterationInvariantRate |
+                                                                                       benchmark::Counter::kInvert);
+}
+
+void Load(benchmark::State& state, int sections) {
+    Store& store = StoreOf(sections);
+    for (auto _ : state) {
         CZelIniManager ini;
-        Fill(ini);
-        return ini.SaveCfgToFile(file.path.c_str()) == 1;
+        benchmark::DoNotOptimize(ini.LoadCfgFromFile(store.file.path.c_str()));
+    }
+    PerEntry(state, store.Entries());
+}
+
+void Save(benchmark::State& state, int sections) {
+    Store& store = StoreOf(sections);
+    BenchFile file;
+    for (auto _ : state) benchmark::DoNotOptimize(store.ini.SaveCfgToFile(file.path.c_str()));
+    PerEntry(state, store.Entries());
+}
+
+// Every entry by section name and id, in file order or in a random order.
+void ByName(benchmark::State& state, int sections, bool shuffled) {
+    Store& store = StoreOf(sections);
+    std::vector<std::pair<const WCHAR*, const WCHAR*>> order;
+    for (const std::u16string& section : store.names.sections)
+        for (const std::u16string& id : store.names.ids) order.emplace_back(section.c_str(), id.c_str());
+    if (shuffled) std::shuffle(order.begin(), order.end(), std::mt19937(7));
+    for (auto _ : state)
+        for (const auto& [section, id] : order) benchmark::DoNotOptimize(store.ini.GetValueStr(section, id));
+    PerEntry(state, store.Entries());
+}
+
+void ByNameInOrder(benchmark::State& state, int sections) { ByName(state, sections, false); }
+void ByNameAtRandom(benchmark::State& state, int sections) { ByName(state, sections, true); }
+
+// The same entries by position: no search at all.
+void ByIndex(benchmark::State& state, int sections) {
+    Store& store = StoreOf(sections);
+    for (auto _ : state)
+        for (int s = 0; s < sections; ++s)
+            for (int i = 0; i < kIds; ++i) benchmark::DoNotOptimize(store.ini.GetValueStr(s, i));
+    PerEntry(state, store.Entries());
+}
+
+// An 8-bit INI file of kProfileSections sections of kIds keys.
+const BenchFile& ProfileFile() {
+    static const BenchFile file;
+    static const bool written = [] {
+        std::string text;
+        for (int s = 0; s < kProfileSections; ++s) {
+            text += "[Section" + std::to_string(s) + "]\r\n";
+            for (int i = 0; i < kIds; ++i) text += "Key" + std::to_string(i) + "=c:\\program files\\suite\\data\r\n";
+            text += "\r\n";
+        }
+        FILE* stream = std::fopen(file.onDisk.c_str(), "wb");
+        return stream && std::fwrite(text.data(), 1, text.size(), stream) == text.size() && std::fclose(stream) == 0;
     }();
-    if (!saved) std::abort();
+    if (!written) std::abort();
     return file;
 }
 
-void Report(benchmark::State& state, int entries) {
-    state.counters["entries"] = entries;
-    state.counters["entries_per_s"] = benchmark::Counter(entries, benchmark::Counter::kIsIterationInvariantRate);
-}
-
-void BM_Load(benchmark::State& state) {
-    const BenchFile& file = SavedFile();
+// What a profile read can't do without: the file's bytes, read once into a string of its size.
+void ReadWholeFile(benchmark::State& state) {
+    const BenchFile& file = ProfileFile();
     for (auto _ : state) {
-        CZelIniManager ini;
-        benchmark::DoNotOptimize(ini.LoadCfgFromFile(file.path.c_str()));
+        const int fd = open(file.onDisk.c_str(), O_RDONLY | O_CLOEXEC);
+        struct stat status;
+        fstat(fd, &status);
+        std::string bytes(static_cast<size_t>(status.st_size), '\0');
+        benchmark::DoNotOptimize(read(fd, bytes.data(), bytes.size()));
+        close(fd);
+        benchmark::DoNotOptimize(bytes.data());
     }
-    Report(state, kEntries);
 }
-BENCHMARK(BM_Load)->Unit(benchmark::kMillisecond);
 
-void BM_Save(benchmark::State& state) {
-    BenchFile file;
-    CZelIniManager ini;
-    Fill(ini);
-    for (auto _ : state) benchmark::DoNotOptimize(ini.SaveCfgToFile(file.path.c_str()));
-    Report(state, kEntries);
-}
-BENCHMARK(BM_Save)->Unit(benchmark::kMillisecond);
-
-// Every entry by section name and id: about kSections / 2 + kIds / 2 comparisons each.
-void BM_LookUpEveryEntryByName(benchmark::State& state) {
-    CZelIniManager ini;
-    Fill(ini);
+// One key a call, taken in turn from all over the file.
+void ProfileString(benchmark::State& state) {
+    const BenchFile& file = ProfileFile();
+    WCHAR value[MAX_PATH];
+    int n = 0;
     for (auto _ : state) {
-        for (int s = 0; s < kSections; ++s)
-            for (int i = 0; i < kIds; ++i)
-                benchmark::DoNotOptimize(ini.GetValueStr(SectionNames()[s].c_str(), Ids()[i].c_str()));
+        const std::u16string section = Number(u"Section", n % kProfileSections), key = Number(u"Key", n / 7 % kIds);
+        benchmark::DoNotOptimize(
+            ZelGetPrivateProfileString(section.c_str(), key.c_str(), u"", value, MAX_PATH, file.path.c_str()));
+        n += 13;
     }
-    Report(state, kEntries);
 }
-BENCHMARK(BM_LookUpEveryEntryByName)->Unit(benchmark::kMillisecond);
 
-// The same entries by position: no scan at all.
-void BM_LookUpEveryEntryByIndex(benchmark::State& state) {
-    CZelIniManager ini;
-    Fill(ini);
+void ProfileInt(benchmark::State& state) {
+    const BenchFile& file = ProfileFile();
+    int n = 0;
     for (auto _ : state) {
-        for (int s = 0; s < kSections; ++s)
-            for (int i = 0; i < kIds; ++i) benchmark::DoNotOptimize(ini.GetValueStr(s, i));
+        const std::u16string section = Number(u"Section", n % kProfileSections), key = Number(u"Key", n / 7 % kIds);
+        benchmark::DoNotOptimize(ZelGetPrivateProfileInt(section.c_str(), key.c_str(), 5, file.path.c_str()));
+        n += 13;
     }
-    Report(state, kEntries);
 }
-BENCHMARK(BM_LookUpEveryEntryByIndex)->Unit(benchmark::kMillisecond);
+
+using Operation = void (*)(benchmark::State&, int);
+const std::pair<const char*, Operation> kOperations[] = {
+    {"by name in order", ByNameInOrder}, {"by name at random", ByNameAtRandom}, {"by index", ByIndex},
+    {"load", Load}, {"save", Save}};
+
+void PrintPerEntry(const CpuTimesReporter& reporter) {
+    std::printf("\nCPU time an entry, ns (ratio: 3,000 sections over 10)\n%-18s", "");
+    for (int sections : kSectionCounts) std::printf(" %10d", sections);
+    std::printf(" %10s\n", "ratio");
+    for (const auto& [operation, run] : kOperations) {
+        (void)run;
+        std::printf("%-18s", operation);
+        double perEntry[2] = {};
+        for (int i = 0; i < 2; ++i) {
+            const double ms = reporter.Cpu(std::string(operation) + "/" + std::to_string(kSectionCounts[i]));
+            perEntry[i] = ms * 1e6 / (double(kSectionCounts[i]) * kIds);
+            if (ms == 0) std::printf(" %10s", "-");
+            else std::printf(" %10.1f", perEntry[i]);
+        }
+        if (perEntry[0] == 0 || perEntry[1] == 0) std::printf(" %10s\n", "-");
+        else std::printf(" %10.3f\n", perEntry[1] / perEntry[0]);
+    }
+    const double file = reporter.Cpu("read the whole file");
+    std::printf("\nProfile file of %d keys, CPU µs a call (ratio: over one read of the whole file)\n",
+                kProfileSections * kIds);
+    for (const char* call : {"read the whole file", "ZelGetPrivateProfileString", "ZelGetPrivateProfileInt"}) {
+        const double ns = reporter.Cpu(call);
+        if (ns == 0 || file == 0) continue;
+        std::printf("%-28s %10.2f %10.3f\n", call, ns / 1e3, ns / file);
+    }
+}
 
 }  // namespace
+
+int main(int argc, char** argv) {
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
+    for (const auto& [operation, run] : kOperations)
+        for (int sections : kSectionCounts)
+            benchmark::RegisterBenchmark((std::string(operation) + "/" + std::to_string(sections)).c_str(), run, sections)
+                ->Unit(benchmark::kMillisecond);
+    benchmark::RegisterBenchmark("read the whole file", ReadWholeFile);
+    benchmark::RegisterBenchmark("ZelGetPrivateProfileString", ProfileString);
+    benchmark::RegisterBenchmark("ZelGetPrivateProfileInt", ProfileInt);
+    CpuTimesReporter reporter;
+    benchmark::RunSpecifiedBenchmarks(&reporter);
+    PrintPerEntry(reporter);
+    benchmark::Shutdown();
+    return 0;
+}

@@ -16,6 +16,7 @@
 #include <zel/wintypes.h>
 
 #include <cstdio>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -167,11 +168,13 @@ struct tagZELINISECTION {
     std::vector<tagZELINIVALUE*>* values;
 };
 
+struct ZelIniNameIndex;
+
 // An INI-style configuration in memory: an ordered list of sections, each an ordered list of id and
 // value pairs, with its file form in UTF-16 little-endian text behind a required byte order mark.
 //
 // Section names (with their brackets) and ids compare exactly, case and spaces included; look-ups
-// are linear and find the first match. Positions are zero-based and move down by one behind a
+// by name find the first match, through an index once there are more than a few names to look at. Positions are zero-based and move down by one behind a
 // removal. Texts that the Get operations return point into the object and stay valid until that
 // record changes or goes. Name, id and value arguments must not be null (SetHeaderInfo takes null).
 //
@@ -279,6 +282,8 @@ private:
     int modified;
     WCHAR* readBuffer;
     WCHAR* readCursor;
+    // Sections and ids by name; made at the first look-up that needs it.
+    std::unique_ptr<ZelIniNameIndex> nameIndex;
 };
 
 // ---------------------------------------------------------------------------------------------

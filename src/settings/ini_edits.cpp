@@ -117,15 +117,15 @@ int CZelIniManager::SetIDStr(const WCHAR* secName, const WCHAR* id, const WCHAR*
 }
 
 int CZelIniManager::SetIDStr(int secIndex, const WCHAR* id, const WCHAR* newId) {
-    tagZELINIVALUE* record = nullptr;
-    if (_FindValueItem(secIndex, id, &record) < 0 || !Replace(record->id, newId)) return 0;
-    modified = 1;
-    return 1;
+    return SetIDStr(secIndex, _FindValueItem(secIndex, id, nullptr), newId);
 }
 
 int CZelIniManager::SetIDStr(int secIndex, int idIndex, const WCHAR* newId) {
     tagZELINIVALUE* record = nullptr;
-    if (_FindValueItem(secIndex, idIndex, &record) < 0 || !Replace(record->id, newId)) return 0;
+    if (_FindValueItem(secIndex, idIndex, &record) < 0) return 0;
+    // The index holds the old id, and which entry of a name comes first may change.
+    ZelIniForgetIds(nameIndex.get(), secList[static_cast<size_t>(secIndex)]);
+    if (!Replace(record->id, newId)) return 0;
     modified = 1;
     return 1;
 }
@@ -139,6 +139,7 @@ int CZelIniManager::RemoveId(int secIndex, const WCHAR* id) {
 int CZelIniManager::RemoveId(int secIndex, int idIndex) {
     tagZELINIVALUE* record = nullptr;
     if (_FindValueItem(secIndex, idIndex, &record) < 0) return 0;
+    ZelIniForgetIds(nameIndex.get(), secList[static_cast<size_t>(secIndex)]);
     std::vector<tagZELINIVALUE*>& values = *secList[secIndex]->values;
     values.erase(values.begin() + idIndex);
     delete record;
@@ -156,6 +157,8 @@ int CZelIniManager::RemoveSection(const WCHAR* secName) {
 int CZelIniManager::RemoveSection(int secIndex) {
     if (secIndex < 0 || secIndex >= GetSecCount()) return 0;
     tagZELINISECTION* section = secList[secIndex];
+    ZelIniForgetIds(nameIndex.get(), section);
+    ZelIniForgetPositions(nameIndex.get());
     secList.erase(secList.begin() + secIndex);
     ZelIniFreeSection(section);
     modified = 1;
@@ -166,6 +169,7 @@ int CZelIniManager::RemoveAllId(const WCHAR* secName) { return RemoveAllId(GetSe
 
 int CZelIniManager::RemoveAllId(int secIndex) {
     if (secIndex < 0 || secIndex >= GetSecCount()) return 0;
+    ZelIniForgetIds(nameIndex.get(), secList[static_cast<size_t>(secIndex)]);
     std::vector<tagZELINIVALUE*>& values = *secList[secIndex]->values;
     for (tagZELINIVALUE* value : values) delete value;
     values.clear();

@@ -1,33 +1,92 @@
-// CZelIniManager: finding sections and entries, by name or by position. Every look-up is a linear
-// scan that stops at the first match; none of them touches the thread's error state.
+// CZelIniManager: finding sections and entries, by name or by position. A look-up by name finds
+// the first match: along the list while it is short, through the object's index beyond. None of
+// them touches the thread's error state.
 #include <zel/settings.h>
+
+#include <new>
 
 #include "settings/ini_internal.h"
 #include "strings/wstr.h"
 
+namespace {
+
+// Up to this many records a name is looked for along the list.
+constexpr size_t kScannedRecords = 8;
+
+// The position of the first record whose text (by field) equals name, or -1.
+template <typename Record, typename Field>
+int Scan(const std::vector<Record*>& records, Field field, const WCHAR* name) {
+    for (size_t index = 0; index < records.size(); ++index)
+        if (wcscmp((records[index]->*field).c_str(), name) == 0) return static_cast<int>(index);
+    return -1;
+}
+
+// The same through positions that covered the first seen records, brought up to the rest first.
+// Out of memory leaves the positions empty, and the list is scanned.
+template <typename Record, typename Field>
+int Look(ZelIniPositions& positions, size_t& seen, const std::vector<Record*>& records, Field field,
+         const WCHAR* name) {
+    if (seen > records.size()) {
+        positions.clear();
+        seen = 0;
+    }
+    try {
+        for (; seen < records.size(); ++seen) positions.emplace(records[seen]->*field, static_cast<int>(seen));
+    } catch (const std::bad_alloc&) {
+        positions.clear();
+        seen = 0;
+        return Scan(records, field, name);
+    }
+    auto found = positions.find(std::u16string_view(name));
+    return found == positions.end() ? -1 : found->second;
+}
+
+}  // namespace
+
 int CZelIniManager::_FindSection(const WCHAR* name, tagZELINISECTION** section) {
     if (section) *section = nullptr;
     if (!_IsValidSectionName(name)) return -1;
-    for (size_t index = 0; index < secList.size(); ++index) {
-        if (wcscmp(secList[index]->name.c_str(), name) == 0) {
-            if (section) *section = secList[index];
-            return static_cast<int>(index);
-        }
+    int index = -1;
+    if (secList.size() <= kScannedRecords) {
+        index = Scan(secList, &tagZELINISECTION::name, name);
+    } else {
+        if (!nameIndex) nameIndex.reset(new (std::nothrow) ZelIniNameIndex);
+        index = nameIndex ? Look(nameIndex->sections, nameIndex->sectionsSeen, secList, &tagZELINISECTION::name, name)
+                          : Scan(secList, &tagZELINISECTION::name, name);
     }
-    return -1;
+    if (index >= 0 && section) *section = secList[static_cast<size_t>(index)];
+    return index;
 }
 
 int CZelIniManager::_FindValueItem(int secIndex, const WCHAR* id, tagZELINIVALUE** value) {
     if (value) *value = nullptr;
     if (secIndex < 0 || secIndex >= GetSecCount()) return -1;
-    const std::vector<tagZELINIVALUE*>& values = *secList[secIndex]->values;
-    for (size_t index = 0; index < values.size(); ++index) {
-        if (wcscmp(values[index]->id.c_str(), id) == 0) {
-            if (value) *value = values[index];
-            return static_cast<int>(index);
+    const tagZELINISECTION* section = secList[static_cast<size_t>(secIndex)];
+    const std::vector<tagZELINIVALUE*>& values = *section->values;
+    int index = -1;
+    if (values.size() <= kScannedRecords) {
+        index = Scan(values, &tagZELINIVALUE::id, id);
+    } else {
+        if (!nameIndex) nameIndex.reset(new (std::nothrow) ZelIniNameIndex);
+        ZelIniNameIndex::Ids* ids = nullptr;
+        try {
+            if (nameIndex) ids = &nameIndex->ids[section];
+        } catch (const std::bad_alloc&) {
         }
+        index = ids ? Look(ids->first, ids->seen, values, &tagZELINIVALUE::id, id) : Scan(values, &tagZELINIVALUE::id, id);
     }
-    return -1;
+    if (index >= 0 && value) *value = values[static_cast<size_t>(index)];
+    return index;
+}
+
+void ZelIniForgetPositions(ZelIniNameIndex* index) {
+    if (!index) return;
+    index->sections.clear();
+    index->sectionsSeen = 0;
+}
+
+void ZelIniForgetIds(ZelIniNameIndex* index, const tagZELINISECTION* section) {
+    if (index) index->ids.erase(section);
 }
 
 int CZelIniManager::_FindValueItem(int secIndex, int idIndex, tagZELINIVALUE** value) {

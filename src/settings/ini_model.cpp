@@ -59,6 +59,7 @@ CZelIniManager& CZelIniManager::operator=(const CZelIniManager& other) {
     std::swap(secList, copy.secList);
     std::swap(headerInfo, copy.headerInfo);
     std::swap(filePath, copy.filePath);
+    std::swap(nameIndex, copy.nameIndex);
     modified = copy.modified;
     return *this;
 }
@@ -78,6 +79,7 @@ void CZelIniManager::_ReleaseRead() {
 }
 
 void CZelIniManager::RemoveAllSecList() {
+    nameIndex.reset();
     for (tagZELINISECTION* section : secList) ZelIniFreeSection(section);
     secList.clear();
     modified = 1;

@@ -5,6 +5,8 @@
 #include <zel/wintypes.h>
 
 #include <cstdio>
+#include <string>
+#include <unordered_map>
 
 inline bool ZelRegFilePutNumber(FILE* stream, DWORD value) {
     const unsigned char bytes[4] = {static_cast<unsigned char>(value), static_cast<unsigned char>(value >> 8),
@@ -18,5 +20,29 @@ inline bool ZelRegFileGetNumber(FILE* stream, DWORD* value) {
     *value = DWORD(bytes[0]) | DWORD(bytes[1]) << 8 | DWORD(bytes[2]) << 16 | DWORD(bytes[3]) << 24;
     return true;
 }
+
+// The text fields of one save or load, in the ANSI code page as it stood when the call began.
+// Names, which come again and again, are converted once a call; paths, which don't, every time.
+class ZelRegFileTexts {
+public:
+    ZelRegFileTexts();
+    ZelRegFileTexts(const ZelRegFileTexts&) = delete;
+    ZelRegFileTexts& operator=(const ZelRegFileTexts&) = delete;
+
+    // As ZelNarrowArg gives it.
+    std::string Narrow(const WCHAR* text) const;
+    std::string NarrowName(const WCHAR* name);
+    // Into text, which holds count units, as ZelAnsiToUnicode gives it with a buffer of count + 1.
+    void Widen(const char* ansi, WCHAR* text, size_t count) const;
+    void WidenName(const char* ansi, WCHAR* text, size_t count);
+
+private:
+    // Longer names are converted each time rather than remembered.
+    static constexpr size_t kRememberedUnits = 64;
+
+    DWORD codePage_;
+    std::unordered_map<std::u16string, std::string> narrowNames_;
+    std::unordered_map<std::string, std::u16string> wideNames_;
+};
 
 #endif  // ZEL_SETTINGS_REGISTRY_FILE_FORMAT_H

@@ -35,17 +35,21 @@ DWORD BytesLeft(FILE* stream) {
     return at < 0 || at >= loadEnd ? 0 : static_cast<DWORD>(loadEnd - at);
 }
 
-// A text field into text, which holds kZelRegNameUnits units.
-bool GetText(FILE* stream, WCHAR* text) {
+// The texts of the load under way on this thread, or null.
+thread_local ZelRegFileTexts* loadTexts = nullptr;
+
+// A text field into text, which holds kZelRegNameUnits units: a path, or a name.
+bool GetText(FILE* stream, WCHAR* text, bool name = false) {
     DWORD length = 0;
     if (!ZelRegFileGetNumber(stream, &length) || length >= kZelRegNameUnits) return false;
     char ansi[kZelRegNameUnits] = {};
     if (std::fread(ansi, 1, length, stream) != length) return false;
-    // The conversion wants room for one unit more than the text and its terminator.
-    WCHAR wide[kZelRegNameUnits + 1] = {};
-    ZelAnsiToUnicode(0, 0, ansi, -1, wide, static_cast<int>(std::size(wide)), 0);
-    wide[kZelRegNameUnits - 1] = 0;
-    std::memcpy(text, wide, kZelRegNameUnits * sizeof(WCHAR));
+    if (!loadTexts)
+        ZelRegFileTexts().Widen(ansi, text, kZelRegNameUnits);
+    else if (name)
+        loadTexts->WidenName(ansi, text, kZelRegNameUnits);
+    else
+        loadTexts->Widen(ansi, text, kZelRegNameUnits);
     return true;
 }
 
@@ -59,6 +63,11 @@ int CZelRegistry::LoadFromFile(const WCHAR* filePath, HKEY root) {
     if (!stream) return 0;
     loadEnd = std::fseek(stream, 0, SEEK_END) == 0 ? std::ftell(stream) : 0;
     std::rewind(stream);
+    ZelRegFileTexts texts;
+    loadTexts = &texts;
+    struct Done {
+        ~Done() { loadTexts = nullptr; }
+    } done;
 
     WCHAR path[kZelRegNameUnits] = {};
     _LoadKeyName(stream, path);
@@ -86,7 +95,7 @@ int CZelRegistry::__LoadSubKeyAndGetCntValue(FILE* stream, WCHAR* path, DWORD* c
 }
 
 int CZelRegistry::__LoadKeyValue(FILE* stream, DWORD* capacity, WCHAR* name, DWORD* type, BYTE** data, DWORD* size) {
-    if (!GetText(stream, name) || !ZelRegFileGetNumber(stream, type) || !ZelRegFileGetNumber(stream, size))
+    if (!GetText(stream, name, true) || !ZelRegFileGetNumber(stream, type) || !ZelRegFileGetNumber(stream, size))
         return 0;
     if (*size > BytesLeft(stream)) return 0;
     if (*size > *capacity) {

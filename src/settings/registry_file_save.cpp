@@ -9,7 +9,6 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "paths/os/ansi_text.h"
 #include "settings/registry_adapters.h"
 #include "settings/registry_class_internal.h"
 #include "settings/registry_file_format.h"
@@ -19,12 +18,21 @@ namespace {
 
 constexpr DWORD kOutOfMemory = 2;
 
+// The texts of the save under way on this thread, or null.
+thread_local ZelRegFileTexts* saveTexts = nullptr;
+
 // A text field: its length in ANSI bytes, then the bytes.
-bool PutText(FILE* stream, const WCHAR* text) {
-    ZelNarrowArg ansi(text ? text : u"");
-    const size_t length = std::strlen(ansi.get());
-    return ZelRegFilePutNumber(stream, static_cast<DWORD>(length)) &&
-           std::fwrite(ansi.get(), 1, length, stream) == length;
+bool PutText(FILE* stream, const std::string& ansi) {
+    return ZelRegFilePutNumber(stream, static_cast<DWORD>(ansi.size())) &&
+           std::fwrite(ansi.data(), 1, ansi.size(), stream) == ansi.size();
+}
+
+// A path or a name as a text field, through the save's texts.
+template <typename Convert>
+bool PutText(FILE* stream, const WCHAR* text, Convert convert) {
+    if (saveTexts) return PutText(stream, (saveTexts->*convert)(text ? text : u""));
+    ZelRegFileTexts texts;
+    return PutText(stream, (texts.*convert)(text ? text : u""));
 }
 
 // Cuts a path at its last back slash, when it has one.
@@ -40,6 +48,11 @@ int CZelRegistry::SaveToFile(const WCHAR* keyPathToSave, const WCHAR* filePath, 
     ZelPathToAbsolute(filePath, absolute);
     FILE* stream = u__wfopen(absolute, u"wb");
     if (!stream) return 0;
+    ZelRegFileTexts texts;
+    saveTexts = &texts;
+    struct Done {
+        ~Done() { saveTexts = nullptr; }
+    } done;
 
     WCHAR copy[520] = {};
     if (keyPathToSave) wcsncpy(copy, keyPathToSave, std::size(copy) - 1);
@@ -67,7 +80,9 @@ int CZelRegistry::SaveToFile(const WCHAR* keyPathToSave, const WCHAR* filePath, 
     return 1;
 }
 
-int CZelRegistry::_SaveKeyName(FILE* stream, const WCHAR* path) { return PutText(stream, path); }
+int CZelRegistry::_SaveKeyName(FILE* stream, const WCHAR* path) {
+    return PutText(stream, path, &ZelRegFileTexts::Narrow);
+}
 
 int CZelRegistry::_SaveFileFromReg(FILE* stream, const WCHAR* name, HKEY parent) {
     if (!parent) return 0;
@@ -154,10 +169,10 @@ int CZelRegistry::__WriteSectionValue(FILE* stream, HKEY key, const WCHAR* path,
 }
 
 int CZelRegistry::__WriteSectionName(FILE* stream, const WCHAR* path, DWORD valueCount) {
-    return PutText(stream, path) && ZelRegFilePutNumber(stream, valueCount);
+    return PutText(stream, path, &ZelRegFileTexts::Narrow) && ZelRegFilePutNumber(stream, valueCount);
 }
 
 int CZelRegistry::__WriteOneValue(FILE* stream, const WCHAR* name, DWORD type, const BYTE* data, DWORD size) {
-    return PutText(stream, name) && ZelRegFilePutNumber(stream, type) && ZelRegFilePutNumber(stream, size) &&
+    return PutText(stream, name, &ZelRegFileTexts::NarrowName) && ZelRegFilePutNumber(stream, type) && ZelRegFilePutNumber(stream, size) &&
            std::fwrite(data, 1, size, stream) == size;
 }

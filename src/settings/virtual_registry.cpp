@@ -1,4 +1,6 @@
 // The process's tree and the resolution of handles to keys.
+#include <algorithm>
+#include <cstdint>
 #include <iterator>
 
 #include "platform/process_object.h"
@@ -13,7 +15,114 @@ struct HiveRow {
     const char16_t* rootName;
 };
 
+unsigned Fold(char16_t unit) { return unit >= u'a' && unit <= u'z' ? unit - 0x20u : unit; }
+
+// The list closes up once it is at least this long and half of it is empty places.
+constexpr size_t kSmallestGappedList = 64;
+
 }  // namespace
+
+namespace {
+
+uint32_t HashOf(std::u16string_view name) {
+    uint64_t hash = 0xcbf29ce484222325ULL;
+    for (char16_t unit : name) hash = (hash ^ Fold(unit)) * 0x100000001b3ULL;
+    return static_cast<uint32_t>(hash ^ (hash >> 32));
+}
+
+bool SameName(std::u16string_view a, std::u16string_view b) {
+    if (a.size() != b.size()) return false;
+    for (size_t i = 0; i < a.size(); ++i)
+        if (Fold(a[i]) != Fold(b[i])) return false;
+    return true;
+}
+
+}  // namespace
+
+VirtualRegKey* VirtualRegChildIndex::Find(std::u16string_view name) const {
+    if (slots_.empty()) return nullptr;
+    const uint32_t hash = HashOf(name);
+    for (size_t at = Home(hash);; at = (at + 1) & (slots_.size() - 1)) {
+        const Slot& slot = slots_[at];
+        if (!slot.key) return nullptr;
+        if (slot.hash == hash && SameName(slot.key->name, name)) return slot.key;
+    }
+}
+
+void VirtualRegChildIndex::Place(uint32_t hash, VirtualRegKey* child) {
+    size_t at = Home(hash);
+    while (slots_[at].key) at = (at + 1) & (slots_.size() - 1);
+    slots_[at] = {hash, child};
+}
+
+void VirtualRegChildIndex::Insert(VirtualRegKey* child) {
+    // At most three quarters full; the new table is made whole before it replaces the old one.
+    if ((used_ + 1) * 4 > slots_.size() * 3) {
+        std::vector<Slot> old(std::max<size_t>(16, slots_.size() * 2), Slot{0, nullptr});
+        old.swap(slots_);
+        for (const Slot& slot : old)
+            if (slot.key) Place(slot.hash, slot.key);
+    }
+    Place(HashOf(child->name), child);
+    ++used_;
+}
+
+void VirtualRegChildIndex::Erase(const VirtualRegKey* child) {
+    if (slots_.empty()) return;
+    const size_t mask = slots_.size() - 1;
+    size_t at = Home(HashOf(child->name));
+    while (slots_[at].key != child) {
+        if (!slots_[at].key) return;
+        at = (at + 1) & mask;
+    }
+    // Close the gap: a later slot of the run moves up unless its home lies between the gap and it.
+    for (size_t next = (at + 1) & mask; slots_[next].key; next = (next + 1) & mask) {
+        const size_t home = Home(slots_[next].hash);
+        const bool stays = at <= next ? (at < home && home <= next) : (at < home || home <= next);
+        if (stays) continue;
+        slots_[at] = slots_[next];
+        at = next;
+    }
+    slots_[at] = {0, nullptr};
+    --used_;
+}
+
+VirtualRegKey* VirtualRegKeyList::front() {
+    while (!keys_[head_]) ++head_;
+    return keys_[head_].get();
+}
+
+void VirtualRegKeyList::push_back(std::unique_ptr<VirtualRegKey> key) {
+    key->list = this;
+    key->slot = keys_.size();
+    keys_.push_back(std::move(key));
+    ++live_;
+}
+
+void VirtualRegKeyList::Erase(VirtualRegKey* key) {
+    keys_[key->slot].reset();
+    --live_;
+    if (live_ == 0) {
+        clear();
+        return;
+    }
+    if (keys_.size() < kSmallestGappedList || live_ * 2 > keys_.size()) return;
+    size_t kept = 0;
+    for (size_t at = 0; at < keys_.size(); ++at) {
+        if (!keys_[at]) continue;
+        keys_[at]->slot = kept;
+        if (at != kept) keys_[kept] = std::move(keys_[at]);
+        ++kept;
+    }
+    keys_.resize(kept);
+    head_ = 0;
+}
+
+void VirtualRegKeyList::clear() {
+    keys_.clear();
+    live_ = 0;
+    head_ = 0;
+}
 
 VirtualRegistry& ZelVirtualRegistry() { return *virtualRegistry; }
 
@@ -33,7 +142,7 @@ VirtualRegKey* VirtualRegistry::ResolveHandle(HKEY handle) {
             root->depth = 1;
             currentHive->push_back(std::move(root));
         }
-        return currentHive->front().get();
+        return currentHive->front();
     }
     return reinterpret_cast<VirtualRegKey*>(handle);
 }

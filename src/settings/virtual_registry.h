@@ -15,14 +15,42 @@
 
 #include <zel/wintypes.h>
 
+#include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 struct VirtualRegValue {
     std::u16string name;  // empty: a blank record, which the next write fills whatever its type
     DWORD type = 0;
     std::vector<BYTE> data;  // as the caller gave it, no terminator added
+};
+
+struct VirtualRegKey;
+class VirtualRegKeyList;
+
+// The children of one key by name, folded as _ustricmp folds (a to z to A to Z, every other unit
+// as it is), so that two names equal there are one name here. Open addressing with linear probing
+// over a power of two of slots, each with the name's hash and the child.
+class VirtualRegChildIndex {
+public:
+    VirtualRegKey* Find(std::u16string_view name) const;
+    // The child's name must not be there yet.
+    void Insert(VirtualRegKey* child);
+    void Erase(const VirtualRegKey* child);
+
+private:
+    struct Slot {
+        uint32_t hash;
+        VirtualRegKey* key;  // null: free
+    };
+    size_t Home(uint32_t hash) const { return hash & (slots_.size() - 1); }
+    void Place(uint32_t hash, VirtualRegKey* child);
+
+    std::vector<Slot> slots_;
+    size_t used_ = 0;
 };
 
 struct VirtualRegKey {
@@ -39,12 +67,45 @@ struct VirtualRegKey {
     VirtualRegKey* firstChild = nullptr;
     VirtualRegKey* nextSibling = nullptr;
     VirtualRegKey* prevSibling = nullptr;
+
+    // The end of the chain, where a new child goes.
+    VirtualRegKey* lastChild = nullptr;
+    // Built once the key has more than a handful of children, and kept up to date from then on.
+    std::unique_ptr<VirtualRegChildIndex> childIndex;
+    // The child that EnumKey gave last and its position, so that a walk in order takes one step a
+    // call. Null when unknown.
+    VirtualRegKey* enumChild = nullptr;
+    DWORD enumChildIndex = 0;
+    // The hive list that holds the key, and its place there.
+    VirtualRegKeyList* list = nullptr;
+    size_t slot = 0;
+};
+
+// The keys of a hive in order of creation, owned. Element 0 is the hive's root; the others follow
+// flat, whatever their depth. A key leaves in constant time: its place stays empty until the
+// empty places are half the list, when the list closes up.
+class VirtualRegKeyList {
+public:
+    constexpr VirtualRegKeyList() = default;
+    bool empty() const { return live_ == 0; }
+    // The first key of the list; the list must not be empty.
+    VirtualRegKey* front();
+    void push_back(std::unique_ptr<VirtualRegKey> key);
+    bool Holds(const VirtualRegKey* key) const { return key->list == this; }
+    // Destroys a key that the list holds.
+    void Erase(VirtualRegKey* key);
+    void clear();
+
+private:
+    std::vector<std::unique_ptr<VirtualRegKey>> keys_;
+    size_t live_ = 0;
+    size_t head_ = 0;  // no key stands in front of this place
 };
 
 class VirtualRegistry {
 public:
     // Element 0 is the hive's root; then every other key of the hive in order of creation, flat.
-    using KeyList = std::vector<std::unique_ptr<VirtualRegKey>>;
+    using KeyList = VirtualRegKeyList;
 
     constexpr VirtualRegistry() = default;
     VirtualRegistry(const VirtualRegistry&) = delete;
@@ -64,7 +125,8 @@ public:
     // files them there (and DeleteKey can then find them only while that hive is current).
     int CreateKey(HKEY handle, const WCHAR* path, HKEY* key);
     // The name of the index-th sub-key in order of creation, copied with its terminator when the
-    // buffer is given. capacity counts the terminator; a name that does not fit fails.
+    // buffer is given. capacity counts the terminator; a name that does not fit fails. A walk by
+    // rising or falling index costs one step a call.
     int EnumKey(HKEY handle, DWORD index, WCHAR* name, DWORD capacity);
     // The value's name (fails when its length is above capacity, which counts characters without
     // the terminator; capacity is only read), its type when the place is given, and all its bytes
@@ -98,6 +160,9 @@ public:
 
 private:
     int FindKey(VirtualRegKey* start, const WCHAR* path, VirtualRegKey** key);
+    // The sub-key at index, or null.
+    static VirtualRegKey* ChildAt(VirtualRegKey* key, DWORD index);
+    static VirtualRegKey* FindChild(VirtualRegKey* parent, const WCHAR* name);
     int CreateKeyPath(VirtualRegKey* start, const WCHAR* path, VirtualRegKey** key);
 
     // The first field is the hive that the last predefined handle selected.

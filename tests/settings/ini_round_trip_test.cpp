@@ -5,8 +5,10 @@
 #include <gtest/gtest.h>
 #include <zel/settings.h>
 
+#include <cstdint>
 #include <random>
 #include <string>
+#include <vector>
 
 #include "platform/win32.h"
 #include "support/support.h"
@@ -118,6 +120,56 @@ TEST(IniRoundTrip, RandomModelsComeBackUnchanged) {
         ASSERT_EQ(loaded.LoadCfgFromFile(path.c_str()), 0) << "seed " << seed;
         EXPECT_TRUE(SameSections(saved, loaded)) << "seed " << seed;
     }
+}
+
+// A model of many sections, edited at random through names and positions, where renames and a
+// double load make entries and sections of one name: the answers of the look-ups and the bytes of
+// the file must stay those of the first release of the store (FNV-1a, 64 bits, over both).
+TEST(IniRoundTrip, RandomEditsKeepTheirAnswersAndBytes) {
+    zeltest::TempDir dir;
+    const std::u16string path = ZelPlatformPathFromSystem(dir.file("edits.ini").c_str());
+    ModelMaker make(20261124);
+    std::vector<std::u16string> names, ids;
+    for (int n = 0; n < 80; ++n) names.push_back(make.SectionName());
+    for (int n = 0; n < 40; ++n) ids.push_back(make.Id());
+    auto name = [&] { return names[make.Pick(0, 79)].c_str(); };
+    auto id = [&] { return ids[make.Pick(0, 39)].c_str(); };
+    std::string answers;
+    auto note = [&](long long answer) { answers += std::to_string(answer) + ","; };
+    auto noteText = [&](const WCHAR* text) { note(text ? long(std::u16string(text).size()) * 7 + text[0] : -9); };
+    auto ask = [&](CZelIniManager& ini) {
+        note(ini.GetSecIndex(name()));
+        note(ini.GetIdIndex(name(), id()));
+        noteText(ini.GetValueStr(name(), id()));
+    };
+
+    CZelIniManager ini;
+    for (int s = 0; s < 60; ++s) {
+        const int index = ini.AddSection(name());
+        for (int e = make.Pick(0, 30); index >= 0 && e > 0; --e) ini.AddIdValueStr(index, id(), make.Value().c_str());
+    }
+    for (int n = 0; n < 6000; ++n) {
+        switch (make.Pick(0, 9)) {
+        case 0: note(ini.SetIDStr(name(), id(), id())); break;
+        case 1: note(ini.RemoveId(name(), id())); break;
+        case 2: note(ini.RemoveId(make.Pick(-1, 60), make.Pick(-1, 30))); break;
+        case 3: note(ini.AddIdValueStr(name(), id(), make.Value().c_str())); break;
+        case 4: note(make.Pick(0, 20) ? ini.SetValue(name(), id(), u"v") : ini.RemoveSection(make.Pick(0, 60))); break;
+        case 5: note(make.Pick(0, 10) ? ini.SetIDStr(make.Pick(0, 60), make.Pick(0, 30), id()) : ini.AddSection(name())); break;
+        default: ask(ini);
+        }
+    }
+    ASSERT_EQ(1, ini.SaveCfgToFile(path.c_str()));
+    std::string bytes = zeltest::ReadFile(dir.file("edits.ini"));
+    CZelIniManager twice;
+    ASSERT_EQ(0, twice.LoadCfgFromFile(path.c_str()));
+    ASSERT_EQ(0, twice.LoadCfgFromFile(path.c_str()));
+    for (int n = 0; n < 2000; ++n) ask(twice);
+    uint64_t hash = 0xcbf29ce484222325ULL;
+    for (unsigned char byte : bytes + answers) hash = (hash ^ byte) * 0x100000001b3ULL;
+    EXPECT_EQ(7718u, bytes.size());
+    EXPECT_EQ(46332u, answers.size());
+    EXPECT_EQ(5849734983011999949ULL, hash);
 }
 
 }  // namespace

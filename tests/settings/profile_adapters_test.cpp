@@ -4,8 +4,10 @@
 #include <zel/paths.h>
 #include <zel/settings.h>
 
+#include <random>
 #include <string>
 
+#include "platform/posix/profile_file.h"
 #include "platform/win32.h"
 #include "support/support.h"
 
@@ -90,6 +92,45 @@ TEST(ProfileAdaptersAnsi, ListsComeBackStringByStringCountedInBytes) {
     ASSERT_TRUE(ZelWritePrivateProfileString(u"\uD55C", u"\uB098", u"\uAE00", file.c_str()));
     EXPECT_EQ(ZelGetPrivateProfileInt(u"\uD55C", u"AB", 0, file.c_str()), 2u);
     EXPECT_EQ(ReadFile(dir.file("k.ini")), "[\xC7\xD1]\r\n\xB0\xA1=\xC7\xD1\xB1\xDB\r\nab=2\r\n\xB3\xAA=\xB1\xDB\r\n");
+}
+
+// A read of one key passes the lines in front of its section by their first bytes; it must find
+// what the whole file's parse finds, whatever the code page does with the bytes: double-byte
+// characters with "[" as their second byte, blanks, comments, line breaks of every kind, names
+// that differ only in case, and a code page (UTF-7) that doesn't read ASCII as itself.
+TEST(ProfileAdapters, ReadingOneKeyFindsWhatTheWholeFileGives) {
+    const char* const words[] = {"Sec", "sEC", "Key", "kEY", "\x81[", "\xB0\xA1", "+", "v", "]", "=", ";", "[", "\r"};
+    const char* const blanks[] = {"", " ", "\t", " \t"};
+    const char* const ends[] = {"\n", "\r\n", "\r\r\n"};
+    const std::u16string names[] = {u"Sec", u"sec", u" sec\t", u"Key", u"KEY", u"Sec]", u"\uAC00", u"", u"v"};
+    std::mt19937 random(5);
+    for (const char* codePage : {"949", "932", "1252", "65000"}) {
+        ScopedEnv acp("ZEL_ACP", std::string(codePage));
+        for (int file = 0; file < 300; ++file) {
+            std::string bytes;
+            auto pick = [&](const auto& list) { return std::string(list[random() % std::size(list)]); };
+            for (int line = static_cast<int>(random() % 24); line > 0; --line) {
+                const std::string word = pick(words) + (random() % 3 ? "" : pick(words));
+                switch (random() % 4) {
+                case 0: bytes += pick(blanks) + "[" + pick(blanks) + word + pick(blanks) + "]" + pick(blanks); break;
+                case 1: bytes += pick(blanks) + word + pick(blanks) + "=" + pick(blanks) + pick(words); break;
+                case 2: bytes += pick(blanks) + word; break;
+                default: bytes += pick(blanks) + ";" + word;
+                }
+                if (line > 1 || random() % 2) bytes += pick(ends);
+            }
+            const zelprofile::ProfileFile parsed(bytes);
+            for (const std::u16string& section : names) {
+                for (const std::u16string& key : names) {
+                    std::u16string value;
+                    const int found = zelprofile::ProfileFile::QuickValue(bytes, section, key, value);
+                    if (found < 0) continue;
+                    const std::optional<std::u16string> expected = parsed.Value(section, key);
+                    ASSERT_EQ(expected.value_or(u"-"), found == 1 ? value : u"-") << codePage << " " << file;
+                }
+            }
+        }
+    }
 }
 
 }  // namespace

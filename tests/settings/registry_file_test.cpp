@@ -3,7 +3,9 @@
 #include <gtest/gtest.h>
 #include <zel/settings.h>
 
+#include <cstdint>
 #include <cstring>
+#include <random>
 #include <string>
 
 #include "platform/win32.h"
@@ -177,6 +179,65 @@ TEST_P(RegistryFile, SavePathGrowsByCapacityTotalAnd256) {
 
 INSTANTIATE_TEST_SUITE_P(Side, RegistryFile, ::testing::Values(0, 1),
                          [](const auto& info) { return info.param ? "Tree" : "System"; });
+
+// FNV-1a, 64 bits: a fingerprint of a file's bytes.
+uint64_t Fingerprint(const std::string& bytes) {
+    uint64_t hash = 0xcbf29ce484222325ULL;
+    for (unsigned char byte : bytes) hash = (hash ^ byte) * 0x100000001b3ULL;
+    return hash;
+}
+
+// A large random tree: names that differ only in case name one key, value names keep their case,
+// keys and values come and go. Its file, and the file of a second tree that a load of the first
+// one went over, must keep the bytes that the first release of the tree wrote.
+TEST(RegistryFileBytes, RandomTreeKeepsItsBytes) {
+    zeltest::TempDir dir;
+    const std::u16string file = ZelPlatformPathFromSystem(dir.file("random.reg").c_str());
+    std::mt19937 random(20261124);
+    auto name = [&](const char16_t* letters, size_t count, unsigned longest) {
+        std::u16string text(1 + random() % longest, u'x');
+        for (char16_t& unit : text) unit = letters[random() % count];
+        return text;
+    };
+    auto path = [&] {
+        std::u16string text = u"Soft\\Golden";
+        for (unsigned depth = 1 + random() % 3; depth-- > 0;) text += u"\\" + name(u"aAbBcC", 6, 4);
+        return text;
+    };
+    auto operate = [&](int count) {
+        for (int n = 0; n < count; ++n) {
+            const unsigned what = random() % 10;
+            const std::u16string key = path();
+            HKEY handle = nullptr;
+            if (what == 8) {
+                ZelRegDeleteKey(HKEY_CURRENT_USER, key.c_str(), 1);
+            } else if (what == 9) {
+                if (ZelRegOpenKey(HKEY_CURRENT_USER, key.c_str(), &handle, 1) == ERROR_SUCCESS)
+                    ZelRegDeleteValue(handle, name(u"xXyY", 4, 2).c_str(), 1);
+            } else if (ZelRegCreateKey(HKEY_CURRENT_USER, key.c_str(), &handle, 1) == ERROR_SUCCESS && what < 7) {
+                const DWORD types[] = {REG_SZ, REG_BINARY, REG_DWORD, REG_MULTI_SZ};
+                const DWORD type = types[random() % 4];
+                std::string data(type == REG_DWORD ? 4 : random() % 13, '\0');
+                for (char& byte : data) byte = char(random());
+                ZelRegSetValueEx(handle, name(u"xXyY", 4, 2).c_str(), 0, type,
+                                 reinterpret_cast<const BYTE*>(data.data()), DWORD(data.size()), 1);
+            }
+        }
+    };
+    operate(8000);
+    CZelRegistry reg(1);
+    ASSERT_EQ(1, reg.SaveToFile(u"Soft\\Golden", file.c_str()));
+    const std::string first = zeltest::ReadFile(dir.file("random.reg"));
+    EXPECT_EQ(158287u, first.size());
+    EXPECT_EQ(11716691178003079455ULL, Fingerprint(first));
+
+    operate(3000);
+    ASSERT_EQ(1, reg.LoadFromFile(file.c_str()));
+    ASSERT_EQ(1, reg.SaveToFile(u"Soft\\Golden", file.c_str()));
+    const std::string second = zeltest::ReadFile(dir.file("random.reg"));
+    EXPECT_EQ(169489u, second.size());
+    EXPECT_EQ(13683575812263669788ULL, Fingerprint(second));
+}
 
 class RegistryFileInput : public RegistryFile {};
 

@@ -2,7 +2,9 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <random>
 #include <string>
+#include <vector>
 
 #include "settings/virtual_registry.h"
 
@@ -188,6 +190,70 @@ TEST(VirtualRegistry, DeletionSearchesTheCurrentHiveOnly) {
     HKEY fresh = nullptr;
     EXPECT_EQ(1, tree.OpenKey(HKEY_LOCAL_MACHINE, nullptr, &fresh));
     EXPECT_EQ(0u, Key(fresh)->subKeyCount);
+
+    // While the hive's list still holds a key of another hive, that key stands first in it.
+    HKEY u = nullptr;
+    tree.OpenKey(HKEY_CURRENT_USER, u"U", &u);
+    tree.OpenKey(HKEY_LOCAL_MACHINE, nullptr, &fresh);
+    HKEY filed = Create(tree, u, u"filed");
+    EXPECT_EQ(1, tree.DeleteKey(HKEY_LOCAL_MACHINE, nullptr));
+    EXPECT_EQ(1, tree.OpenKey(HKEY_LOCAL_MACHINE, nullptr, &fresh));
+    EXPECT_EQ(filed, fresh);
+}
+
+// Many children of one key against a plain list of names: creation finds a name in any case,
+// sub-keys list in order by rising, falling and scattered index between deletions, and the hive
+// list closes its gaps without losing a key.
+TEST(VirtualRegistry, ManyChildrenAnswerAsAPlainList) {
+    VirtualRegistry tree;
+    HKEY parent = Create(tree, HKEY_CURRENT_USER, u"Many");
+    std::vector<std::u16string> model;
+    std::vector<HKEY> handles;
+    auto fold = [](std::u16string name) {
+        for (char16_t& unit : name) unit = unit >= u'a' && unit <= u'z' ? unit - 32 : unit;
+        return name;
+    };
+    auto find = [&](const std::u16string& name) {
+        for (size_t i = 0; i < model.size(); ++i)
+            if (fold(model[i]) == fold(name)) return static_cast<int>(i);
+        return -1;
+    };
+    std::mt19937 random(3);
+    WCHAR name[16];
+    for (int step = 0; step < 6000; ++step) {
+        std::u16string text(1 + random() % 3, u'x');
+        for (char16_t& unit : text) unit = u"aAbBcC_[{"[random() % 9];
+        const int at = find(text);
+        switch (random() % 4) {
+        case 0: {
+            HKEY made = Create(tree, parent, text.c_str());
+            if (at < 0) {
+                model.push_back(text);
+                handles.push_back(made);
+            } else {
+                ASSERT_EQ(handles[size_t(at)], made) << step;
+            }
+            break;
+        }
+        case 1:
+            ASSERT_EQ(at >= 0 ? 1 : 0, tree.DeleteKey(parent, text.c_str())) << step;
+            if (at >= 0) {
+                model.erase(model.begin() + at);
+                handles.erase(handles.begin() + at);
+            }
+            break;
+        default: {
+            const DWORD index = random() % 2 ? DWORD(random() % (model.size() + 2)) : DWORD(step % 7 ? step % 50 : 49 - step % 50);
+            ASSERT_EQ(index < model.size() ? 1 : 0, tree.EnumKey(parent, index, name, 16)) << step;
+            if (index < model.size()) {
+                ASSERT_EQ(model[index], name) << step;
+            }
+            HKEY opened = nullptr;
+            ASSERT_EQ(at >= 0 ? 1 : 0, tree.OpenKey(parent, text.c_str(), &opened)) << step;
+        }
+        }
+    }
+    EXPECT_EQ(model.size(), Key(parent)->subKeyCount);
 }
 
 }  // namespace

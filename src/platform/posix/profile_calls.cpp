@@ -56,13 +56,15 @@ ProfileAnswer QueryProfile(LPCWSTR section, LPCWSTR key, LPCWSTR defaultValue, L
     bool found = false;
     DWORD status = path.empty() ? ERROR_PATH_NOT_FOUND : ReadProfile(path, bytes, found);
     if (status == ERROR_SUCCESS && !found) status = ERROR_FILE_NOT_FOUND;
-    const ProfileFile file(bytes);
     if (!section) {
-        answer.items = file.SectionNames();
+        answer.items = ProfileFile(bytes).SectionNames();
     } else if (!key) {
-        answer.items = file.KeyNames(section).value_or(std::vector<std::u16string>{});
+        answer.items = ProfileFile(bytes).KeyNames(section).value_or(std::vector<std::u16string>{});
     } else {
-        const std::optional<std::u16string> value = file.Value(section, key);
+        std::u16string text;
+        const int found = ProfileFile::QuickValue(bytes, section, key, text);
+        const std::optional<std::u16string> value =
+            found < 0 ? ProfileFile(bytes).Value(section, key) : found ? std::optional(text) : std::nullopt;
         answer.items.push_back(value ? WithoutQuotes(*value) : DefaultOf(defaultValue));
     }
     SetLastError(status);

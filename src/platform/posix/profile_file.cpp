@@ -4,6 +4,7 @@
 #include "platform/posix/profile_file.h"
 
 #include <algorithm>
+#include <string_view>
 
 #include "platform/posix/registry_tree.h"
 #include "platform/win32.h"
@@ -58,7 +59,104 @@ ProfileLine ParseLine(std::string raw) {
     return line;
 }
 
+// ParseLine on a line of ASCII bytes, in a code page that reads ASCII as itself: the kind, and
+// the name and value as views into the line.
+ProfileLine::Kind AsciiLine(std::string_view raw, std::string_view& name, std::string_view& value) {
+    auto trim = [](std::string_view text) {
+        while (!text.empty() && IsBlank(text.front())) text.remove_prefix(1);
+        while (!text.empty() && IsBlank(text.back())) text.remove_suffix(1);
+        return text;
+    };
+    const std::string_view text = trim(raw);
+    if (text.empty() || text[0] == ';') return ProfileLine::Kind::Other;
+    if (text[0] == '[') {
+        const size_t close = text.find(']', 1);
+        name = trim(text.substr(1, close == npos ? npos : close - 1));
+        return ProfileLine::Kind::Section;
+    }
+    const size_t equals = text.find('=');
+    name = trim(text.substr(0, equals));
+    if (name.empty()) return ProfileLine::Kind::Other;
+    value = equals == npos ? std::string_view() : trim(text.substr(equals + 1));
+    return ProfileLine::Kind::Entry;
+}
+
+bool IsAscii(std::string_view bytes) {
+    unsigned char any = 0;
+    for (char c : bytes) any |= static_cast<unsigned char>(c);
+    return any < 0x80;
+}
+
+bool AsciiReadsAsItself() {
+    char probe[96];
+    probe[0] = '\t';
+    for (int i = 1; i < 96; ++i) probe[i] = static_cast<char>(0x1F + i);
+    char16_t wide[96];
+    if (MultiByteToWideChar(CP_ACP, 0, probe, 96, wide, 96) != 96) return false;
+    return std::equal(probe, probe + 96, wide, [](char c, char16_t unit) { return unit == char16_t(c); });
+}
+
+// One line of a file in bytes, without its line break.
+struct RawLine {
+    size_t start, end, next;  // next: where the following line starts
+};
+
+RawLine LineAt(const std::string& bytes, size_t start) {
+    size_t end = bytes.find('\n', start);
+    const size_t next = end == npos ? bytes.size() : end + 1;
+    if (end == npos) end = bytes.size();
+    if (end > start && bytes[end - 1] == '\r') --end;
+    return {start, end, next};
+}
+
+// The line's kind and its name and value, as ParseLine gives them.
+ProfileLine::Kind Meaning(const std::string& bytes, const RawLine& line, std::u16string& name, std::u16string& value) {
+    const std::string_view raw(bytes.data() + line.start, line.end - line.start);
+    if (!IsAscii(raw)) {
+        ProfileLine parsed = ParseLine(std::string(raw));
+        name = std::move(parsed.name);
+        value = std::move(parsed.value);
+        return parsed.kind;
+    }
+    std::string_view asciiName, asciiValue;
+    const ProfileLine::Kind kind = AsciiLine(raw, asciiName, asciiValue);
+    name.assign(asciiName.begin(), asciiName.end());
+    value.assign(asciiValue.begin(), asciiValue.end());
+    return kind;
+}
+
 }  // namespace
+
+int ProfileFile::QuickValue(const std::string& bytes, const std::u16string& section, const std::u16string& key,
+                            std::u16string& value) {
+    if (!AsciiReadsAsItself()) return -1;
+    const std::u16string wantedSection = Trim(section), wantedKey = Trim(key);
+    std::u16string name, text;
+    // A line is a section's when its first byte past the blanks is "[": the blanks read as
+    // themselves, and no other byte reads as "[".
+    for (size_t at = 0, open; (open = bytes.find('[', at)) != npos;) {
+        const size_t newline = open == 0 ? npos : bytes.rfind('\n', open - 1);
+        const size_t start = newline == npos ? 0 : newline + 1;
+        const RawLine header = LineAt(bytes, start);
+        at = header.next;
+        const bool blanksOnly = std::all_of(bytes.begin() + static_cast<std::ptrdiff_t>(start),
+                                            bytes.begin() + static_cast<std::ptrdiff_t>(open),
+                                            [](char c) { return IsBlank(c); });
+        if (!blanksOnly || Meaning(bytes, header, name, text) != ProfileLine::Kind::Section ||
+            !SameName(name, wantedSection))
+            continue;
+        for (RawLine line = LineAt(bytes, header.next); line.start < bytes.size(); line = LineAt(bytes, line.next)) {
+            const ProfileLine::Kind kind = Meaning(bytes, line, name, text);
+            if (kind == ProfileLine::Kind::Section) return 0;
+            if (kind == ProfileLine::Kind::Entry && SameName(name, wantedKey)) {
+                value = std::move(text);
+                return 1;
+            }
+        }
+        return 0;
+    }
+    return 0;
+}
 
 ProfileFile::ProfileFile(const std::string& bytes) {
     const size_t firstBreak = bytes.find('\n');

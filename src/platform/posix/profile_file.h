@@ -49,6 +49,13 @@ public:
 
     const std::vector<ProfileLine>& Lines() const { return lines_; }
 
+    // What Value gives on a file of these bytes, found without parsing all of it: the lines in
+    // front of the section are passed by their first bytes, and lines of ASCII bytes are read as
+    // themselves. 1 found, 0 missing, -1 when the code page does not read ASCII as itself, and
+    // the file must be parsed.
+    static int QuickValue(const std::string& bytes, const std::u16string& section, const std::u16string& key,
+                          std::u16string& value);
+
 private:
     // The index of the first header of that section, or npos.
     size_t FindSection(const std::u16string& section) const;

@@ -78,18 +78,24 @@ DWORD ReadProfile(const std::string& path, std::string& bytes, bool& found) {
         close(fd);
         return ERROR_ACCESS_DENIED;
     }
-    char buffer[65536];
+    // Straight into a string of the file's size, one byte more to see the end without growing;
+    // a file that grew meanwhile makes it grow.
+    size_t size = 0;
+    bytes.resize(static_cast<size_t>(status.st_size > 0 ? status.st_size : 0) + 1);
     for (;;) {
-        const ssize_t n = read(fd, buffer, sizeof buffer);
+        if (size == bytes.size()) bytes.resize(bytes.size() * 2);
+        const ssize_t n = read(fd, bytes.data() + size, bytes.size() - size);
         if (n < 0 && errno == EINTR) continue;
         if (n < 0) {
             const int error = errno;
             close(fd);
+            bytes.clear();
             return PathError(path, error);
         }
         if (n == 0) break;
-        bytes.append(buffer, static_cast<size_t>(n));
+        size += static_cast<size_t>(n);
     }
+    bytes.resize(size);
     close(fd);
     found = true;
     return ERROR_SUCCESS;
