@@ -63,7 +63,7 @@ ZelConvResult DecodeUtf8(const ZelUTF8** source, const ZelUTF8* sourceEnd, Unit*
         return true;
     };
 
-    // Blocks while they are plain; after one that is not, the words take 16 bytes or stop.
+    // Blocks while they are plain; after one that is not, the words take 32 bytes or stop.
     auto fast = [&words](const ZelUTF8*& src, const ZelUTF8* fastEnd, Unit*& tgt) {
         while (src < fastEnd) {
             const ZelUTF8* stop = fastEnd;
@@ -71,7 +71,7 @@ ZelConvResult DecodeUtf8(const ZelUTF8** source, const ZelUTF8* sourceEnd, Unit*
             if constexpr (kBlocks && kToUtf16) {
                 Utf8ToUtf16Blocks(src, fastEnd, tgt);
                 if (src >= fastEnd) return;
-                stop = std::min(fastEnd, src + 16);
+                stop = std::min(fastEnd, src + 32);
             }
 #endif
             if (!words(src, stop, tgt)) return;

@@ -1,19 +1,20 @@
 // The block kernels of the UTF-8 and UTF-16 converters, in AVX2 and chosen at run time.
 //
-// UTF-8 to UTF-16 takes 16 bytes (32 when they are all ASCII). Each byte is classified at once:
+// UTF-8 to UTF-16 takes 32 bytes at a time. Each byte is classified at once:
 // continuation bytes, first bytes of two and three, and anything of four bytes or more, which the
 // scalar code takes. The block is plainly valid when the continuation bytes are exactly those that
 // its first bytes ask for (the last character may reach two bytes behind the block), no two-byte
 // form is overlong and no three-byte form is overlong or a surrogate. Then each byte position
 // gets the value of a character starting there, in 16-bit lanes, and the lanes of the first bytes
-// are gathered to the front, eight at a time, by a shuffle that their mask picks.
+// are gathered to the front: in AVX2 eight at a time by a shuffle that their mask picks, in
+// AVX-512 all at once by a compress.
 //
 // UTF-16 to UTF-8 takes 8 units (16 when they are all ASCII) without a surrogate. Each unit is
 // encoded in one 32-bit lane, its first byte lowest, and the bytes that its length keeps are
 // gathered four lanes at a time by a shuffle that the four lengths pick.
 //
-// A gathering store writes a whole register, more than the units it keeps; the kernels put back
-// what lay behind the new target pointer, so that nothing is written behind it.
+// A gathering store in AVX2 writes a whole register, more than the units it keeps; the kernels put
+// back what lay behind the new target pointer, so that nothing is written behind it.
 #include "strings/utf_blocks.h"
 
 #include <algorithm>
@@ -29,24 +30,33 @@ namespace zel::utf {
 
 namespace {
 
-// 0 not asked yet, 1 no, 2 yes.
-constinit std::atomic<int> blocksState{0};
+// -1 until asked.
+constinit std::atomic<int> detectedLevel{-1};
+constinit std::atomic<int> levelLimit{2};
+
+int DetectLevel() {
+#if ZEL_UTF_BLOCKS
+    __builtin_cpu_init();
+    if (!__builtin_cpu_supports("avx2") || !__builtin_cpu_supports("popcnt")) return 0;
+    if (!__builtin_cpu_supports("avx512bw") || !__builtin_cpu_supports("avx512vbmi2")) return 1;
+    return 2;
+#else
+    return 0;
+#endif
+}
 
 }  // namespace
 
-bool BlocksAvailable() {
-#if ZEL_UTF_BLOCKS
-    int state = blocksState.load(std::memory_order_relaxed);
-    if (state == 0) {
-        __builtin_cpu_init();
-        state = __builtin_cpu_supports("avx2") && __builtin_cpu_supports("popcnt") ? 2 : 1;
-        blocksState.store(state, std::memory_order_relaxed);
+int BlockLevel() {
+    int level = detectedLevel.load(std::memory_order_relaxed);
+    if (level < 0) {
+        level = DetectLevel();
+        detectedLevel.store(level, std::memory_order_relaxed);
     }
-    return state == 2;
-#else
-    return false;
-#endif
+    return std::min(level, levelLimit.load(std::memory_order_relaxed));
 }
+
+void LimitBlockLevel(int level) { levelLimit.store(level, std::memory_order_relaxed); }
 
 #if ZEL_UTF_BLOCKS
 
@@ -113,67 +123,145 @@ ZEL_AVX2 inline void StoreGathered(Unit*& tgt, __m128i low, __m128i high, unsign
 
 }  // namespace
 
-ZEL_AVX2 void Utf8ToUtf16Blocks(const ZelUTF8*& src, const ZelUTF8* fastEnd, ZelUTF16*& tgt) {
+namespace {
+
+ZEL_AVX2 inline __m256i Load32(const void* p) { return _mm256_loadu_si256(static_cast<const __m256i*>(p)); }
+ZEL_AVX2 inline __m256i Bytes32(int b) { return _mm256_set1_epi8(static_cast<char>(b)); }
+ZEL_AVX2 inline uint32_t Mask32(__m256i v) { return uint32_t(_mm256_movemask_epi8(v)); }
+
+// 32 bytes of UTF-8 from s, at least one not ASCII (high holds their mask). in1 and in2 hold the
+// bytes one and two places behind those of in0: the second and third byte of a sequence that
+// starts at a lane of in0. Whether the block is plain; then keep marks the first bytes, lead3 the
+// first bytes of three, and extra counts the bytes of the last sequence behind the block (0 to 2).
+struct Utf8Block {
+    __m256i in0, in1, in2, highBytes, lead3Bytes;
+    uint32_t keep, lead3;
+    unsigned extra;
+};
+
+ZEL_AVX2 inline bool ClassifyUtf8(const ZelUTF8* s, uint32_t high, Utf8Block& block) {
+    block.in1 = Load32(s + 1);
+    block.in2 = Load32(s + 2);
+    const __m256i in0 = block.in0, in1 = block.in1;
+    block.highBytes = _mm256_cmpgt_epi8(_mm256_setzero_si256(), in0);
+    block.lead3Bytes = _mm256_and_si256(_mm256_cmpgt_epi8(in0, Bytes32(0xDF)), block.highBytes);
+    const uint32_t cont = Mask32(_mm256_cmpgt_epi8(Bytes32(0xC0), in0));
+    const uint32_t fromF0 = Mask32(_mm256_cmpgt_epi8(in0, Bytes32(0xEF))) & high;
+    const uint32_t lead3 = Mask32(block.lead3Bytes);
+    const uint32_t lead2 = high & ~cont & ~lead3;
+    // Continuation bytes at positions 0 to 33, and those that the first bytes ask for.
+    const uint64_t contAll = cont | uint64_t(Mask32(_mm256_cmpgt_epi8(Bytes32(0xC0), block.in2))) << 2;
+    const uint64_t expected = uint64_t(lead2 | lead3) << 1 | uint64_t(lead3) << 2;
+    // Overlong: 0xC0 and 0xC1, 0xE0 before 0x80 to 0x9F. Surrogates: 0xED before 0xA0 to 0xBF.
+    const __m256i secondHigh = _mm256_cmpeq_epi8(_mm256_and_si256(in1, Bytes32(0x20)), Bytes32(0x20));
+    const __m256i refused =
+        _mm256_or_si256(_mm256_cmpeq_epi8(_mm256_and_si256(in0, Bytes32(0xFE)), Bytes32(0xC0)),
+                        _mm256_or_si256(_mm256_andnot_si256(secondHigh, _mm256_cmpeq_epi8(in0, Bytes32(0xE0))),
+                                        _mm256_and_si256(secondHigh, _mm256_cmpeq_epi8(in0, Bytes32(0xED)))));
+    block.keep = ~cont;
+    block.lead3 = lead3;
+    block.extra = unsigned(__builtin_popcountll(expected >> 32));
+    return !(fromF0 | Mask32(refused) | uint32_t(expected ^ contAll) | (expected & ~contAll) >> 32);
+}
+
+// The value of a sequence starting at each of 16 bytes, in 16-bit lanes: b0 to b2 are its first
+// three bytes, high marks the bytes from 0x80, lead3 the first bytes of three.
+ZEL_AVX2 inline __m256i Utf8Values16(__m128i b0, __m128i b1, __m128i b2, __m128i high, __m128i lead3) {
+    const __m256i w0 = _mm256_cvtepu8_epi16(b0), low6 = _mm256_set1_epi16(0x3F);
+    const __m256i second = _mm256_and_si256(_mm256_cvtepu8_epi16(b1), low6);
+    const __m256i two = _mm256_or_si256(_mm256_slli_epi16(_mm256_and_si256(w0, _mm256_set1_epi16(0x1F)), 6), second);
+    const __m256i three = _mm256_or_si256(_mm256_or_si256(_mm256_slli_epi16(w0, 12), _mm256_slli_epi16(second, 6)),
+                                          _mm256_and_si256(_mm256_cvtepu8_epi16(b2), low6));
+    const __m256i units = _mm256_blendv_epi8(w0, two, _mm256_cvtepi8_epi16(high));
+    return _mm256_blendv_epi8(units, three, _mm256_cvtepi8_epi16(lead3));
+}
+
+ZEL_AVX2 inline __m128i Low(__m256i v) { return _mm256_castsi256_si128(v); }
+ZEL_AVX2 inline __m128i High(__m256i v) { return _mm256_extracti128_si256(v, 1); }
+
+ZEL_AVX2 void Utf8ToUtf16Avx2(const ZelUTF8*& src, const ZelUTF8* fastEnd, ZelUTF16*& tgt) {
     const ZelUTF8* s = src;
     ZelUTF16* t = tgt;
-    while (fastEnd - s >= 16) {
-        if (fastEnd - s >= 24) {
-            const __m256i ascii = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(s));
-            if (!_mm256_movemask_epi8(ascii)) {
-                _mm256_storeu_si256(reinterpret_cast<__m256i*>(t), _mm256_cvtepu8_epi16(_mm256_castsi256_si128(ascii)));
-                _mm256_storeu_si256(reinterpret_cast<__m256i*>(t + 16),
-                                    _mm256_cvtepu8_epi16(_mm256_extracti128_si256(ascii, 1)));
-                s += 32;
-                t += 32;
-                continue;
-            }
-        }
-        // in1 and in2 hold the bytes one and two places behind those of in0: the second and third
-        // byte of a sequence that starts at a lane of in0.
-        const __m128i in0 = Load16(s), in1 = Load16(s + 1), in2 = Load16(s + 2);
-        const unsigned high = Mask(in0);
+    Utf8Block block;
+    while (fastEnd - s >= 32) {
+        block.in0 = Load32(s);
+        const uint32_t high = Mask32(block.in0);
         if (!high) {
-            _mm256_storeu_si256(reinterpret_cast<__m256i*>(t), _mm256_cvtepu8_epi16(in0));
-            s += 16;
-            t += 16;
+            _mm256_storeu_si256(reinterpret_cast<__m256i*>(t), _mm256_cvtepu8_epi16(Low(block.in0)));
+            _mm256_storeu_si256(reinterpret_cast<__m256i*>(t + 16), _mm256_cvtepu8_epi16(High(block.in0)));
+            s += 32;
+            t += 32;
             continue;
         }
-        const __m128i highBytes = _mm_cmplt_epi8(in0, _mm_setzero_si128());
-        const __m128i fromE0 = _mm_and_si128(_mm_cmpgt_epi8(in0, Bytes(0xDF)), highBytes);
-        const unsigned cont = Mask(_mm_cmplt_epi8(in0, Bytes(0xC0)));
-        const unsigned fromF0 = Mask(_mm_cmpgt_epi8(in0, Bytes(0xEF))) & high;
-        const unsigned lead3 = Mask(fromE0);
-        const unsigned lead2 = high & ~cont & ~lead3;
-        // Continuation bytes at positions 0 to 17, and those that the first bytes ask for.
-        const uint32_t contAll = cont | Mask(_mm_cmplt_epi8(in2, Bytes(0xC0))) << 2;
-        const uint32_t expected = (lead2 | lead3) << 1 | lead3 << 2;
-        // Overlong: 0xC0 and 0xC1, 0xE0 before 0x80 to 0x9F. Surrogates: 0xED before 0xA0 to 0xBF.
-        const __m128i secondHigh = _mm_cmpeq_epi8(_mm_and_si128(in1, Bytes(0x20)), Bytes(0x20));
-        const __m128i refused =
-            _mm_or_si128(_mm_cmpeq_epi8(_mm_and_si128(in0, Bytes(0xFE)), Bytes(0xC0)),
-                         _mm_or_si128(_mm_andnot_si128(secondHigh, _mm_cmpeq_epi8(in0, Bytes(0xE0))),
-                                      _mm_and_si128(secondHigh, _mm_cmpeq_epi8(in0, Bytes(0xED)))));
-        if (fromF0 | Mask(refused) | ((expected ^ contAll) & 0xFFFF) | (expected & ~contAll & 0x30000)) break;
-
-        const __m256i w0 = _mm256_cvtepu8_epi16(in0), w1 = _mm256_cvtepu8_epi16(in1), w2 = _mm256_cvtepu8_epi16(in2);
-        const __m256i low6 = _mm256_set1_epi16(0x3F);
-        const __m256i second = _mm256_and_si256(w1, low6);
-        const __m256i two = _mm256_or_si256(_mm256_slli_epi16(_mm256_and_si256(w0, _mm256_set1_epi16(0x1F)), 6), second);
-        const __m256i three = _mm256_or_si256(_mm256_or_si256(_mm256_slli_epi16(w0, 12), _mm256_slli_epi16(second, 6)),
-                                              _mm256_and_si256(w2, low6));
-        __m256i units = _mm256_blendv_epi8(w0, two, _mm256_cvtepi8_epi16(highBytes));
-        units = _mm256_blendv_epi8(units, three, _mm256_cvtepi8_epi16(fromE0));
-
-        const unsigned keep = ~cont & 0xFFFF;
-        const unsigned keepLow = keep & 0xFF, keepHigh = keep >> 8;
-        const unsigned first = unsigned(__builtin_popcount(keepLow));
-        StoreGathered(t, _mm_shuffle_epi8(_mm256_castsi256_si128(units), Pick(kKeepLanes16[keepLow])),
-                      _mm_shuffle_epi8(_mm256_extracti128_si256(units, 1), Pick(kKeepLanes16[keepHigh])), first,
-                      first + unsigned(__builtin_popcount(keepHigh)));
-        s += 16 + __builtin_popcount(expected >> 16);
+        if (!ClassifyUtf8(s, high, block)) break;
+        const __m256i units[2] = {
+            Utf8Values16(Low(block.in0), Low(block.in1), Low(block.in2), Low(block.highBytes), Low(block.lead3Bytes)),
+            Utf8Values16(High(block.in0), High(block.in1), High(block.in2), High(block.highBytes),
+                         High(block.lead3Bytes))};
+        // Four gathers of eight lanes, one behind the other; what lies behind the last is put back.
+        const unsigned all = unsigned(__builtin_popcount(block.keep));
+        const __m128i behind = Load16(t + all);
+        ZelUTF16* out = t;
+        for (int quarter = 0; quarter < 4; ++quarter) {
+            const unsigned keep = block.keep >> 8 * quarter & 0xFF;
+            const __m128i lanes = quarter & 1 ? High(units[quarter >> 1]) : Low(units[quarter >> 1]);
+            Store16(out, _mm_shuffle_epi8(lanes, Pick(kKeepLanes16[keep])));
+            out += __builtin_popcount(keep);
+        }
+        Store16(t + all, behind);
+        t += all;
+        s += 32 + block.extra;
     }
     src = s;
     tgt = t;
+}
+
+#define ZEL_AVX512 __attribute__((target("avx2,popcnt,avx512f,avx512bw,avx512vbmi2")))
+
+// The same 32 bytes at a time, the values in one register, gathered by one compress and written
+// by a masked store that writes nothing behind them.
+ZEL_AVX512 void Utf8ToUtf16Avx512(const ZelUTF8*& src, const ZelUTF8* fastEnd, ZelUTF16*& tgt) {
+    const ZelUTF8* s = src;
+    ZelUTF16* t = tgt;
+    Utf8Block block;
+    while (fastEnd - s >= 32) {
+        block.in0 = Load32(s);
+        const uint32_t high = Mask32(block.in0);
+        const __m512i w0 = _mm512_cvtepu8_epi16(block.in0);
+        if (!high) {
+            _mm512_storeu_si512(t, w0);
+            s += 32;
+            t += 32;
+            continue;
+        }
+        if (!ClassifyUtf8(s, high, block)) break;
+        const __m512i low6 = _mm512_set1_epi16(0x3F);
+        const __m512i second = _mm512_and_si512(_mm512_cvtepu8_epi16(block.in1), low6);
+        const __m512i two =
+            _mm512_or_si512(_mm512_slli_epi16(_mm512_and_si512(w0, _mm512_set1_epi16(0x1F)), 6), second);
+        const __m512i three =
+            _mm512_or_si512(_mm512_or_si512(_mm512_slli_epi16(w0, 12), _mm512_slli_epi16(second, 6)),
+                            _mm512_and_si512(_mm512_cvtepu8_epi16(block.in2), low6));
+        __m512i units = _mm512_mask_blend_epi16(high, w0, two);
+        units = _mm512_mask_blend_epi16(block.lead3, units, three);
+        const unsigned all = unsigned(__builtin_popcount(block.keep));
+        _mm512_mask_storeu_epi16(t, __mmask32(uint32_t((uint64_t(1) << all) - 1)),
+                                 _mm512_maskz_compress_epi16(block.keep, units));
+        t += all;
+        s += 32 + block.extra;
+    }
+    src = s;
+    tgt = t;
+}
+
+}  // namespace
+
+void Utf8ToUtf16Blocks(const ZelUTF8*& src, const ZelUTF8* fastEnd, ZelUTF16*& tgt) {
+    if (BlockLevel() >= 2) {
+        Utf8ToUtf16Avx512(src, fastEnd, tgt);
+    } else {
+        Utf8ToUtf16Avx2(src, fastEnd, tgt);
+    }
 }
 
 ZEL_AVX2 void Utf16ToUtf8Blocks(const ZelUTF16*& src, const ZelUTF16* fastEnd, ZelUTF8*& tgt) {
@@ -181,14 +269,20 @@ ZEL_AVX2 void Utf16ToUtf8Blocks(const ZelUTF16*& src, const ZelUTF16* fastEnd, Z
     ZelUTF8* t = tgt;
     while (fastEnd - s >= 8) {
         const __m128i in = Load16(s);
-        if (fastEnd - s >= 16) {
-            const __m128i next = Load16(s + 8);
-            if (_mm_testz_si128(_mm_or_si128(in, next), _mm_set1_epi16(static_cast<short>(0xFF80)))) {
-                Store16(t, _mm_packus_epi16(in, next));
+        const __m128i nonAscii = _mm_set1_epi16(static_cast<short>(0xFF80));
+        if (_mm_testz_si128(in, nonAscii)) {
+            // ASCII: then 16 units at a time while it lasts.
+            _mm_storel_epi64(reinterpret_cast<__m128i*>(t), _mm_packus_epi16(in, in));
+            s += 8;
+            t += 8;
+            while (fastEnd - s >= 16) {
+                const __m128i low = Load16(s), high = Load16(s + 8);
+                if (!_mm_testz_si128(_mm_or_si128(low, high), nonAscii)) break;
+                Store16(t, _mm_packus_epi16(low, high));
                 s += 16;
                 t += 16;
-                continue;
             }
+            continue;
         }
         const __m128i surrogates =
             _mm_cmpeq_epi16(_mm_and_si128(in, _mm_set1_epi16(static_cast<short>(0xF800))),

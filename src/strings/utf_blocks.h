@@ -26,15 +26,21 @@ ZelConvResult ScalarUTF8toUTF16(const ZelUTF8** source, const ZelUTF8* sourceEnd
 ZelConvResult ScalarUTF16toUTF8(const ZelUTF16** source, const ZelUTF16* sourceEnd, ZelUTF8** target,
                                 ZelUTF8* targetEnd, DWORD flags);
 
-// Whether this processor runs the block kernels (AVX2); asked once, then remembered.
-bool BlocksAvailable();
+// The widest block kernels this processor runs: 0 none, 1 AVX2, 2 AVX-512 (with VBMI2); asked
+// once, then remembered.
+int BlockLevel();
+inline bool BlocksAvailable() { return BlockLevel() > 0; }
+
+// Holds the kernels at or below level, so that tests reach each of them; the processor's own
+// level still bounds it.
+void LimitBlockLevel(int level);
 
 #if ZEL_UTF_BLOCKS
 // The kernels, called only where BlocksAvailable() holds, from the fast loop of the converters
 // (see RunConverter): fastEnd has at least 8 more source units behind it and the target has room
 // for what fastEnd - src + 8 source units give at the most. Each moves src and tgt past whole
 // blocks of plainly valid text and returns at the first block that holds anything else, or when
-// fewer than 16 source units (UTF-8) or 8 (UTF-16) are left before fastEnd.
+// fewer than 32 source units (UTF-8) or 8 (UTF-16) are left before fastEnd.
 void Utf8ToUtf16Blocks(const ZelUTF8*& src, const ZelUTF8* fastEnd, ZelUTF16*& tgt);
 void Utf16ToUtf8Blocks(const ZelUTF16*& src, const ZelUTF16* fastEnd, ZelUTF8*& tgt);
 #endif

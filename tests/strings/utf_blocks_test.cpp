@@ -98,81 +98,100 @@ const Units16 kFaults16[] = {{0xD800}, {0xDBFF}, {0xDC00}, {0xDFFF}, {0xD83D, 0x
                              {0x7F},   {0x80},   {0x7FF},  {0x800},  {0xD7FF},         {0xE000},
                              {0xFFFF}, {0x0000}};
 
+// Runs body for each block kernel that this processor has, the widest first.
+template <typename Body>
+void ForEachKernel(Body body) {
+    zel::utf::LimitBlockLevel(2);
+    for (int level = zel::utf::BlockLevel(); level >= 1; --level) {
+        SCOPED_TRACE(testing::Message() << "kernel level " << level);
+        zel::utf::LimitBlockLevel(level);
+        body();
+        if (testing::Test::HasFatalFailure()) break;
+    }
+    zel::utf::LimitBlockLevel(2);
+}
+
 // Every fault at every place of the text and of a run of ASCII, so that each falls at every lane
 // of a block and on both sides of a block's end.
 TEST(UtfBlocks, FaultAtEveryPlace) {
-    const Bytes korean = Utf8(kKorean);
-    const Bytes ascii(80, 'x');
-    for (const Bytes& base : {korean, ascii}) {
-        for (const Bytes& fault : kFaults8) {
-            for (size_t at = 0; at <= base.size(); ++at) {
-                Bytes in = base;
-                in.insert(in.begin() + ptrdiff_t(at), fault.begin(), fault.end());
-                ASSERT_NO_FATAL_FAILURE(ExpectSame8(in, in.size() - 24, 0));
+    ForEachKernel([] {
+        const Bytes korean = Utf8(kKorean);
+        const Bytes ascii(80, 'x');
+        for (const Bytes& base : {korean, ascii}) {
+            for (const Bytes& fault : kFaults8) {
+                for (size_t at = 0; at <= base.size(); ++at) {
+                    Bytes in = base;
+                    in.insert(in.begin() + ptrdiff_t(at), fault.begin(), fault.end());
+                    ASSERT_NO_FATAL_FAILURE(ExpectSame8(in, 0, 0));
+                }
             }
         }
-    }
-    const Units16 korean16(kKorean.begin(), kKorean.end()), ascii16(48, u'x');
-    for (const Units16& base : {korean16, ascii16}) {
-        for (const Units16& fault : kFaults16) {
-            for (size_t at = 0; at <= base.size(); ++at) {
-                Units16 in = base;
-                in.insert(in.begin() + ptrdiff_t(at), fault.begin(), fault.end());
-                ASSERT_NO_FATAL_FAILURE(ExpectSame16(in, in.size() - 16, 0));
+        const Units16 korean16(kKorean.begin(), kKorean.end()), ascii16(48, u'x');
+        for (const Units16& base : {korean16, ascii16}) {
+            for (const Units16& fault : kFaults16) {
+                for (size_t at = 0; at <= base.size(); ++at) {
+                    Units16 in = base;
+                    in.insert(in.begin() + ptrdiff_t(at), fault.begin(), fault.end());
+                    ASSERT_NO_FATAL_FAILURE(ExpectSame16(in, 0, 0));
+                }
             }
         }
-    }
+    });
 }
 
 // Every cut of the source and every target room, on plain text.
 TEST(UtfBlocks, EveryCutAndEveryRoom) {
-    Bytes text;
-    for (int i = 0; i < 3; ++i) {
-        const Bytes more = Utf8(kKorean);
-        text.insert(text.end(), more.begin(), more.end());
-    }
-    ExpectSame8(text, 0, 0);
-    const std::u16string korean(kKorean);
-    const std::u16string text16 = korean + korean + korean;
-    ExpectSame16(Units16(text16.begin(), text16.end()), 0, 0);
+    ForEachKernel([] {
+        Bytes text;
+        for (int i = 0; i < 3; ++i) {
+            const Bytes more = Utf8(kKorean);
+            text.insert(text.end(), more.begin(), more.end());
+        }
+        ExpectSame8(text, 0, 0);
+        const std::u16string korean(kKorean);
+        const std::u16string text16 = korean + korean + korean;
+        ExpectSame16(Units16(text16.begin(), text16.end()), 0, 0);
+    });
 }
 
 // Random text from pieces that the blocks take and pieces that stop them, in proportions that
 // leave long plain runs; and random bytes and units.
 TEST(UtfBlocks, RandomText) {
-    std::mt19937 random(20240611);
-    auto below = [&random](unsigned n) { return unsigned(random() % n); };
-    for (int round = 0; round < 1500; ++round) {
-        Bytes in;
-        Units16 in16;
-        const size_t length = 1 + below(160);
-        const unsigned faultOdds = 1 + below(200);
-        while (in.size() < length) {
-            const unsigned kind = below(10);
-            if (below(faultOdds) == 0) {
-                const Bytes& fault = kFaults8[below(std::size(kFaults8))];
-                in.insert(in.end(), fault.begin(), fault.end());
-                const Units16& fault16 = kFaults16[below(std::size(kFaults16))];
-                in16.insert(in16.end(), fault16.begin(), fault16.end());
-                continue;
+    ForEachKernel([] {
+        std::mt19937 random(20240611);
+        auto below = [&random](unsigned n) { return unsigned(random() % n); };
+        for (int round = 0; round < 1500; ++round) {
+            Bytes in;
+            Units16 in16;
+            const size_t length = 1 + below(160);
+            const unsigned faultOdds = 1 + below(200);
+            while (in.size() < length) {
+                const unsigned kind = below(10);
+                if (below(faultOdds) == 0) {
+                    const Bytes& fault = kFaults8[below(std::size(kFaults8))];
+                    in.insert(in.end(), fault.begin(), fault.end());
+                    const Units16& fault16 = kFaults16[below(std::size(kFaults16))];
+                    in16.insert(in16.end(), fault16.begin(), fault16.end());
+                    continue;
+                }
+                const char16_t c = kind < 4   ? char16_t(0x20 + below(0x5F))
+                                   : kind < 8 ? char16_t(0xAC00 + below(11172))
+                                   : kind < 9 ? char16_t(0x80 + below(0x780))
+                                              : char16_t(0x800 + below(0xD000));
+                const Bytes bytes = Utf8(std::u16string_view(&c, 1));
+                in.insert(in.end(), bytes.begin(), bytes.end());
+                in16.push_back(c);
             }
-            const char16_t c = kind < 4   ? char16_t(0x20 + below(0x5F))
-                               : kind < 8 ? char16_t(0xAC00 + below(11172))
-                               : kind < 9 ? char16_t(0x80 + below(0x780))
-                                          : char16_t(0x800 + below(0xD000));
-            const Bytes bytes = Utf8(std::u16string_view(&c, 1));
-            in.insert(in.end(), bytes.begin(), bytes.end());
-            in16.push_back(c);
+            ASSERT_NO_FATAL_FAILURE(ExpectSame8(in, in.size() - 4, in.size() - 4));
+            ASSERT_NO_FATAL_FAILURE(ExpectSame16(in16, in16.size() - 4, in16.size() * 3 - 8));
+            Bytes noise(length);
+            for (ZelUTF8& b : noise) b = ZelUTF8(below(4) ? 0x80 + below(0x80) : below(0x100));
+            Units16 noise16(length);
+            for (ZelUTF16& u : noise16) u = ZelUTF16(below(4) ? 0xD000 + below(0x1000) : below(0x10000));
+            ASSERT_NO_FATAL_FAILURE(ExpectSame8(noise));
+            ASSERT_NO_FATAL_FAILURE(ExpectSame16(noise16));
         }
-        ASSERT_NO_FATAL_FAILURE(ExpectSame8(in, in.size() - 4, in.size() - 4));
-        ASSERT_NO_FATAL_FAILURE(ExpectSame16(in16, in16.size() - 4, in16.size() * 3 - 8));
-        Bytes noise(length);
-        for (ZelUTF8& b : noise) b = ZelUTF8(below(4) ? 0x80 + below(0x80) : below(0x100));
-        Units16 noise16(length);
-        for (ZelUTF16& u : noise16) u = ZelUTF16(below(4) ? 0xD000 + below(0x1000) : below(0x10000));
-        ASSERT_NO_FATAL_FAILURE(ExpectSame8(noise));
-        ASSERT_NO_FATAL_FAILURE(ExpectSame16(noise16));
-    }
+    });
 }
 
 }  // namespace
