@@ -108,7 +108,6 @@ ZEL_AVX2 inline __m128i Pick(const Shuffle& shuffle) {
     return _mm_load_si128(reinterpret_cast<const __m128i*>(shuffle.index));
 }
 ZEL_AVX2 inline unsigned Mask(__m128i v) { return unsigned(_mm_movemask_epi8(v)); }
-ZEL_AVX2 inline __m128i Bytes(int b) { return _mm_set1_epi8(static_cast<char>(b)); }
 
 // Stores two gathered halves, the first keeping `first` units, and gives the units kept in all;
 // what lay behind them is put back.
