@@ -72,22 +72,17 @@ std::u32string GenerateText(size_t characters) {
     return text;
 }
 
-// Korean sentences: Hangul words, an ASCII word or a number now and then.
-std::u32string GenerateKorean(size_t characters) {
-    Random random(0x4B0C0DEull);
+// Sentences of 3 to `most` words, each written by word(random, text) and followed by a space, the
+// last by a full stop; a line ends now and then.
+template <typename Word>
+std::u32string GenerateSentences(uint64_t seed, size_t characters, uint32_t most, Word word) {
+    Random random(seed);
     std::u32string text;
     text.reserve(characters + 256);
     while (text.size() < characters) {
-        const uint32_t words = 3 + random.Next(10);
+        const uint32_t words = 3 + random.Next(most - 2);
         for (uint32_t w = 0; w < words; ++w) {
-            const uint32_t kind = random.Next(10);
-            if (kind == 0) {
-                AsciiWord(random, text);
-            } else if (kind == 1) {
-                for (uint32_t digits = 1 + random.Next(4); digits > 0; --digits) text += char32_t('0' + random.Next(10));
-            } else {
-                KoreanWord(random, text);
-            }
+            word(random, text);
             text += w + 1 == words ? U"." : U" ";
         }
         text += random.Next(4) == 0 ? U'\n' : U' ';
@@ -95,20 +90,26 @@ std::u32string GenerateKorean(size_t characters) {
     return text;
 }
 
-// English sentences: ASCII only.
-std::u32string GenerateAscii(size_t characters) {
-    Random random(0xA5C11ull);
-    std::u32string text;
-    text.reserve(characters + 256);
-    while (text.size() < characters) {
-        const uint32_t words = 3 + random.Next(12);
-        for (uint32_t w = 0; w < words; ++w) {
+// Korean: Hangul words, an ASCII word or a number now and then.
+std::u32string GenerateKorean(size_t characters) {
+    return GenerateSentences(0x4B0C0DEull, characters, 12, [](Random& random, std::u32string& text) {
+        const uint32_t kind = random.Next(10);
+        if (kind == 0) {
             AsciiWord(random, text);
-            text += w + 1 == words ? U"." : random.Next(8) == 0 ? U", " : U" ";
+        } else if (kind == 1) {
+            for (uint32_t digits = 1 + random.Next(4); digits > 0; --digits) text += char32_t('0' + random.Next(10));
+        } else {
+            KoreanWord(random, text);
         }
-        text += random.Next(4) == 0 ? U'\n' : U' ';
-    }
-    return text;
+    });
+}
+
+// English: ASCII only, a comma now and then.
+std::u32string GenerateAscii(size_t characters) {
+    return GenerateSentences(0xA5C11ull, characters, 14, [](Random& random, std::u32string& text) {
+        AsciiWord(random, text);
+        if (random.Next(8) == 0) text += U',';
+    });
 }
 
 struct Corpus {

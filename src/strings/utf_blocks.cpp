@@ -128,17 +128,23 @@ ZEL_AVX2 inline __m256i Load32(const void* p) { return _mm256_loadu_si256(static
 ZEL_AVX2 inline __m256i Bytes32(int b) { return _mm256_set1_epi8(static_cast<char>(b)); }
 ZEL_AVX2 inline uint32_t Mask32(__m256i v) { return uint32_t(_mm256_movemask_epi8(v)); }
 
-// 32 bytes of UTF-8 from s, at least one not ASCII (high holds their mask). in1 and in2 hold the
-// bytes one and two places behind those of in0: the second and third byte of a sequence that
-// starts at a lane of in0. Whether the block is plain; then keep marks the first bytes, lead3 the
-// first bytes of three, and extra counts the bytes of the last sequence behind the block (0 to 2).
+// 32 bytes of UTF-8 from s in in0; unless they are all ASCII, in1 and in2 hold the bytes one and
+// two places behind those of in0, the second and third byte of a sequence that starts at a lane of
+// in0. In a plain block high marks the bytes from 0x80, keep the first bytes, lead3 the first
+// bytes of three, and extra counts the bytes of the last sequence behind the block (0 to 2).
 struct Utf8Block {
     __m256i in0, in1, in2, highBytes, lead3Bytes;
-    uint32_t keep, lead3;
+    uint32_t high, keep, lead3;
     unsigned extra;
 };
 
-ZEL_AVX2 inline bool ClassifyUtf8(const ZelUTF8* s, uint32_t high, Utf8Block& block) {
+// What a block of UTF-8 is: ASCII, plain, or something for the scalar code.
+enum class Utf8Kind { kAscii, kPlain, kStop };
+
+ZEL_AVX2 inline Utf8Kind ReadUtf8Block(const ZelUTF8* s, Utf8Block& block) {
+    block.in0 = Load32(s);
+    const uint32_t high = Mask32(block.in0);
+    if (!high) return Utf8Kind::kAscii;
     block.in1 = Load32(s + 1);
     block.in2 = Load32(s + 2);
     const __m256i in0 = block.in0, in1 = block.in1;
@@ -157,10 +163,12 @@ ZEL_AVX2 inline bool ClassifyUtf8(const ZelUTF8* s, uint32_t high, Utf8Block& bl
         _mm256_or_si256(_mm256_cmpeq_epi8(_mm256_and_si256(in0, Bytes32(0xFE)), Bytes32(0xC0)),
                         _mm256_or_si256(_mm256_andnot_si256(secondHigh, _mm256_cmpeq_epi8(in0, Bytes32(0xE0))),
                                         _mm256_and_si256(secondHigh, _mm256_cmpeq_epi8(in0, Bytes32(0xED)))));
+    block.high = high;
     block.keep = ~cont;
     block.lead3 = lead3;
     block.extra = unsigned(__builtin_popcountll(expected >> 32));
-    return !(fromF0 | Mask32(refused) | uint32_t(expected ^ contAll) | (expected & ~contAll) >> 32);
+    const bool plain = !(fromF0 | Mask32(refused) | uint32_t(expected ^ contAll) | (expected & ~contAll) >> 32);
+    return plain ? Utf8Kind::kPlain : Utf8Kind::kStop;
 }
 
 // The value of a sequence starting at each of 16 bytes, in 16-bit lanes: b0 to b2 are its first
@@ -182,17 +190,14 @@ ZEL_AVX2 void Utf8ToUtf16Avx2(const ZelUTF8*& src, const ZelUTF8* fastEnd, ZelUT
     const ZelUTF8* s = src;
     ZelUTF16* t = tgt;
     Utf8Block block;
-    while (fastEnd - s >= 32) {
-        block.in0 = Load32(s);
-        const uint32_t high = Mask32(block.in0);
-        if (!high) {
+    for (Utf8Kind kind; fastEnd - s >= 32 && (kind = ReadUtf8Block(s, block)) != Utf8Kind::kStop;) {
+        if (kind == Utf8Kind::kAscii) {
             _mm256_storeu_si256(reinterpret_cast<__m256i*>(t), _mm256_cvtepu8_epi16(Low(block.in0)));
             _mm256_storeu_si256(reinterpret_cast<__m256i*>(t + 16), _mm256_cvtepu8_epi16(High(block.in0)));
             s += 32;
             t += 32;
             continue;
         }
-        if (!ClassifyUtf8(s, high, block)) break;
         const __m256i units[2] = {
             Utf8Values16(Low(block.in0), Low(block.in1), Low(block.in2), Low(block.highBytes), Low(block.lead3Bytes)),
             Utf8Values16(High(block.in0), High(block.in1), High(block.in2), High(block.highBytes),
@@ -223,17 +228,14 @@ ZEL_AVX512 void Utf8ToUtf16Avx512(const ZelUTF8*& src, const ZelUTF8* fastEnd, Z
     const ZelUTF8* s = src;
     ZelUTF16* t = tgt;
     Utf8Block block;
-    while (fastEnd - s >= 32) {
-        block.in0 = Load32(s);
-        const uint32_t high = Mask32(block.in0);
+    for (Utf8Kind kind; fastEnd - s >= 32 && (kind = ReadUtf8Block(s, block)) != Utf8Kind::kStop;) {
         const __m512i w0 = _mm512_cvtepu8_epi16(block.in0);
-        if (!high) {
+        if (kind == Utf8Kind::kAscii) {
             _mm512_storeu_si512(t, w0);
             s += 32;
             t += 32;
             continue;
         }
-        if (!ClassifyUtf8(s, high, block)) break;
         const __m512i low6 = _mm512_set1_epi16(0x3F);
         const __m512i second = _mm512_and_si512(_mm512_cvtepu8_epi16(block.in1), low6);
         const __m512i two =
@@ -241,7 +243,7 @@ ZEL_AVX512 void Utf8ToUtf16Avx512(const ZelUTF8*& src, const ZelUTF8* fastEnd, Z
         const __m512i three =
             _mm512_or_si512(_mm512_or_si512(_mm512_slli_epi16(w0, 12), _mm512_slli_epi16(second, 6)),
                             _mm512_and_si512(_mm512_cvtepu8_epi16(block.in2), low6));
-        __m512i units = _mm512_mask_blend_epi16(high, w0, two);
+        __m512i units = _mm512_mask_blend_epi16(block.high, w0, two);
         units = _mm512_mask_blend_epi16(block.lead3, units, three);
         const unsigned all = unsigned(__builtin_popcount(block.keep));
         _mm512_mask_storeu_epi16(t, __mmask32(uint32_t((uint64_t(1) << all) - 1)),

@@ -11,23 +11,13 @@
 #include <vector>
 
 #include "strings/utf_blocks.h"
+#include "strings/utf_test_types.h"
 
 namespace {
 
-using Bytes = std::vector<ZelUTF8>;
-using Units16 = std::vector<ZelUTF16>;
+using namespace utf_test;
 
-template <typename From, typename To>
-using Converter = ZelConvResult (*)(const From**, const From*, To**, To*, DWORD);
-
-template <typename To>
-struct Outcome {
-    ZelConvResult status;
-    size_t consumed;
-    std::vector<To> target;  // the whole target buffer, filled with a mark before the run
-    bool operator==(const Outcome&) const = default;
-};
-
+// One run into a target filled with a mark beforehand; the outcome holds the whole target.
 template <typename From, typename To>
 Outcome<To> Run(Converter<From, To> convert, const From* in, size_t count, size_t room, DWORD flags) {
     const std::vector<From> source(in, in + count);  // exactly its size, for the address sanitizer
@@ -113,29 +103,24 @@ void ForEachKernel(Body body) {
 
 // Every fault at every place of the text and of a run of ASCII, so that each falls at every lane
 // of a block and on both sides of a block's end.
+template <typename Unit, size_t kFaults, typename Expect>
+void ExpectFaultsAnywhere(std::initializer_list<std::vector<Unit>> bases, const std::vector<Unit> (&faults)[kFaults],
+                          Expect expectSame) {
+    for (const std::vector<Unit>& base : bases) {
+        for (const std::vector<Unit>& fault : faults) {
+            for (size_t at = 0; at <= base.size(); ++at) {
+                std::vector<Unit> in = base;
+                in.insert(in.begin() + ptrdiff_t(at), fault.begin(), fault.end());
+                ASSERT_NO_FATAL_FAILURE(expectSame(in, 0, 0));
+            }
+        }
+    }
+}
+
 TEST(UtfBlocks, FaultAtEveryPlace) {
     ForEachKernel([] {
-        const Bytes korean = Utf8(kKorean);
-        const Bytes ascii(80, 'x');
-        for (const Bytes& base : {korean, ascii}) {
-            for (const Bytes& fault : kFaults8) {
-                for (size_t at = 0; at <= base.size(); ++at) {
-                    Bytes in = base;
-                    in.insert(in.begin() + ptrdiff_t(at), fault.begin(), fault.end());
-                    ASSERT_NO_FATAL_FAILURE(ExpectSame8(in, 0, 0));
-                }
-            }
-        }
-        const Units16 korean16(kKorean.begin(), kKorean.end()), ascii16(48, u'x');
-        for (const Units16& base : {korean16, ascii16}) {
-            for (const Units16& fault : kFaults16) {
-                for (size_t at = 0; at <= base.size(); ++at) {
-                    Units16 in = base;
-                    in.insert(in.begin() + ptrdiff_t(at), fault.begin(), fault.end());
-                    ASSERT_NO_FATAL_FAILURE(ExpectSame16(in, 0, 0));
-                }
-            }
-        }
+        ExpectFaultsAnywhere({Utf8(kKorean), Bytes(80, 'x')}, kFaults8, ExpectSame8);
+        ExpectFaultsAnywhere({Units16(kKorean.begin(), kKorean.end()), Units16(48, u'x')}, kFaults16, ExpectSame16);
     });
 }
 
