@@ -259,14 +259,34 @@ ZEL_AVX512 void Utf8ToUtf16Avx512(const ZelUTF8*& src, const ZelUTF8* fastEnd, Z
 }  // namespace
 
 void Utf8ToUtf16Blocks(const ZelUTF8*& src, const ZelUTF8* fastEnd, ZelUTF16*& tgt) {
-    if (BlockLevel() >= 2) {
-        Utf8ToUtf16Avx512(src, fastEnd, tgt);
-    } else {
-        Utf8ToUtf16Avx2(src, fastEnd, tgt);
-    }
+    (BlockLevel() >= 2 ? Utf8ToUtf16Avx512 : Utf8ToUtf16Avx2)(src, fastEnd, tgt);
 }
 
 namespace {
+
+// Eight values below 0x10000 encoded in UTF-8, each in its 32-bit lane, the first byte lowest;
+// atLeast2 and is3 mark the lanes of two bytes or more and of three.
+ZEL_AVX2 inline __m256i EncodeUtf8(__m256i c, __m256i& atLeast2, __m256i& is3) {
+    const __m256i low6 = _mm256_set1_epi32(0x3F), mark = _mm256_set1_epi32(0x80);
+    const __m256i last = _mm256_or_si256(_mm256_and_si256(c, low6), mark);
+    const __m256i two = _mm256_or_si256(_mm256_or_si256(_mm256_srli_epi32(c, 6), _mm256_set1_epi32(0xC0)),
+                                        _mm256_slli_epi32(last, 8));
+    const __m256i middle = _mm256_or_si256(_mm256_and_si256(_mm256_srli_epi32(c, 6), low6), mark);
+    const __m256i three =
+        _mm256_or_si256(_mm256_or_si256(_mm256_srli_epi32(c, 12), _mm256_set1_epi32(0xE0)),
+                        _mm256_or_si256(_mm256_slli_epi32(middle, 8), _mm256_slli_epi32(last, 16)));
+    atLeast2 = _mm256_cmpgt_epi32(c, _mm256_set1_epi32(0x7F));
+    is3 = _mm256_cmpgt_epi32(c, _mm256_set1_epi32(0x7FF));
+    return _mm256_blendv_epi8(_mm256_blendv_epi8(c, two, atLeast2), three, is3);
+}
+
+// The mask of the bytes that EncodeUtf8 wrote, 4 bits a lane.
+ZEL_AVX2 inline uint32_t EncodedBytes(__m256i atLeast2, __m256i is3) {
+    const __m256i kept = _mm256_blendv_epi8(
+        _mm256_blendv_epi8(_mm256_set1_epi32(0x80), _mm256_set1_epi32(0x8080), atLeast2), _mm256_set1_epi32(0x808080),
+        is3);
+    return Mask32(kept);
+}
 
 ZEL_AVX2 void Utf16ToUtf8Avx2(const ZelUTF16*& src, const ZelUTF16* fastEnd, ZelUTF8*& tgt) {
     const ZelUTF16* s = src;
@@ -293,20 +313,8 @@ ZEL_AVX2 void Utf16ToUtf8Avx2(const ZelUTF16*& src, const ZelUTF16* fastEnd, Zel
                             _mm_set1_epi16(static_cast<short>(0xD800)));
         if (Mask(surrogates)) break;
 
-        const __m256i c = _mm256_cvtepu16_epi32(in);
-        const __m256i low6 = _mm256_set1_epi32(0x3F), mark = _mm256_set1_epi32(0x80);
-        const __m256i last = _mm256_or_si256(_mm256_and_si256(c, low6), mark);
-        const __m256i two = _mm256_or_si256(_mm256_or_si256(_mm256_srli_epi32(c, 6), _mm256_set1_epi32(0xC0)),
-                                            _mm256_slli_epi32(last, 8));
-        const __m256i middle = _mm256_or_si256(_mm256_and_si256(_mm256_srli_epi32(c, 6), low6), mark);
-        const __m256i three = _mm256_or_si256(
-            _mm256_or_si256(_mm256_srli_epi32(c, 12), _mm256_set1_epi32(0xE0)),
-            _mm256_or_si256(_mm256_slli_epi32(middle, 8), _mm256_slli_epi32(last, 16)));
-        const __m256i atLeast2 = _mm256_cmpgt_epi32(c, _mm256_set1_epi32(0x7F));
-        const __m256i is3 = _mm256_cmpgt_epi32(c, _mm256_set1_epi32(0x7FF));
-        __m256i bytes = _mm256_blendv_epi8(c, two, atLeast2);
-        bytes = _mm256_blendv_epi8(bytes, three, is3);
-
+        __m256i atLeast2, is3;
+        const __m256i bytes = EncodeUtf8(_mm256_cvtepu16_epi32(in), atLeast2, is3);
         const unsigned more = unsigned(_mm256_movemask_ps(_mm256_castsi256_ps(atLeast2)));
         const unsigned most = unsigned(_mm256_movemask_ps(_mm256_castsi256_ps(is3)));
         const unsigned lengthsLow = kSpread[more & 15] + kSpread[most & 15];
@@ -323,12 +331,7 @@ ZEL_AVX2 void Utf16ToUtf8Avx2(const ZelUTF16*& src, const ZelUTF16* fastEnd, Zel
 }
 
 // 16 units at a time, each encoded in a 32-bit lane, the bytes gathered by one compress and
-// written by a masked store that writes nothing behind them. g++ 12 takes the placeholder that its
-// own 32-bit lane intrinsics pass for "no merge source" for a value used uninitialised.
-#if defined(__GNUC__) && !defined(__clang__)
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
-#endif
+// written by a masked store that writes nothing behind them.
 ZEL_AVX512 void Utf16ToUtf8Avx512(const ZelUTF16*& src, const ZelUTF16* fastEnd, ZelUTF8*& tgt) {
     const ZelUTF16* s = src;
     ZelUTF8* t = tgt;
@@ -344,23 +347,11 @@ ZEL_AVX512 void Utf16ToUtf8Avx512(const ZelUTF16*& src, const ZelUTF16* fastEnd,
                                                       _mm256_set1_epi16(static_cast<short>(0xD800)));
         if (Mask32(surrogates)) break;
 
-        const __m512i c = _mm512_cvtepu16_epi32(in);
-        const __m512i low6 = _mm512_set1_epi32(0x3F), mark = _mm512_set1_epi32(0x80);
-        const __m512i last = _mm512_or_si512(_mm512_and_si512(c, low6), mark);
-        const __m512i two = _mm512_or_si512(_mm512_or_si512(_mm512_srli_epi32(c, 6), _mm512_set1_epi32(0xC0)),
-                                            _mm512_slli_epi32(last, 8));
-        const __m512i middle = _mm512_or_si512(_mm512_and_si512(_mm512_srli_epi32(c, 6), low6), mark);
-        const __m512i three = _mm512_or_si512(
-            _mm512_or_si512(_mm512_srli_epi32(c, 12), _mm512_set1_epi32(0xE0)),
-            _mm512_or_si512(_mm512_slli_epi32(middle, 8), _mm512_slli_epi32(last, 16)));
-        const __mmask16 atLeast2 = _mm512_cmpgt_epu32_mask(c, _mm512_set1_epi32(0x7F));
-        const __mmask16 is3 = _mm512_cmpgt_epu32_mask(c, _mm512_set1_epi32(0x7FF));
-        const __m512i bytes = _mm512_mask_blend_epi32(is3, _mm512_mask_blend_epi32(atLeast2, c, two), three);
-        // The bytes that each lane's length keeps, by their high bits.
-        const __m512i kept = _mm512_mask_blend_epi32(
-            is3, _mm512_mask_blend_epi32(atLeast2, _mm512_set1_epi32(0x80), _mm512_set1_epi32(0x8080)),
-            _mm512_set1_epi32(0x808080));
-        const __mmask64 keep = _mm512_movepi8_mask(kept);
+        __m256i atLeast2[2], is3[2];
+        const __m256i low = EncodeUtf8(_mm256_cvtepu16_epi32(Low(in)), atLeast2[0], is3[0]);
+        const __m256i high = EncodeUtf8(_mm256_cvtepu16_epi32(High(in)), atLeast2[1], is3[1]);
+        const __m512i bytes = _mm512_maskz_inserti64x4(__mmask8(0xFF), _mm512_castsi256_si512(low), high, 1);
+        const uint64_t keep = EncodedBytes(atLeast2[0], is3[0]) | uint64_t(EncodedBytes(atLeast2[1], is3[1])) << 32;
         const unsigned all = unsigned(__builtin_popcountll(keep));
         _mm512_mask_storeu_epi8(t, __mmask64((uint64_t(1) << all) - 1), _mm512_maskz_compress_epi8(keep, bytes));
         s += 16;
@@ -369,18 +360,11 @@ ZEL_AVX512 void Utf16ToUtf8Avx512(const ZelUTF16*& src, const ZelUTF16* fastEnd,
     src = s;
     tgt = t;
 }
-#if defined(__GNUC__) && !defined(__clang__)
-#pragma GCC diagnostic pop
-#endif
 
 }  // namespace
 
 void Utf16ToUtf8Blocks(const ZelUTF16*& src, const ZelUTF16* fastEnd, ZelUTF8*& tgt) {
-    if (BlockLevel() >= 2) {
-        Utf16ToUtf8Avx512(src, fastEnd, tgt);
-    } else {
-        Utf16ToUtf8Avx2(src, fastEnd, tgt);
-    }
+    (BlockLevel() >= 2 ? Utf16ToUtf8Avx512 : Utf16ToUtf8Avx2)(src, fastEnd, tgt);
 }
 
 #endif  // ZEL_UTF_BLOCKS
