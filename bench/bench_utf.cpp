@@ -254,6 +254,13 @@ void PrintGoals(const RatioReporter& reporter, const std::vector<Goal>& goals, i
 }  // namespace
 
 int main(int argc, char** argv) {
+    // Three repetitions unless the command line says otherwise: the ratios take each contender's
+    // best, since on a busy machine a run that lost the processor for a while says nothing of the code.
+    std::vector<char*> args(argv, argv + argc);
+    char repetitions[] = "--benchmark_repetitions=3";
+    args.insert(args.begin() + 1, repetitions);
+    argc = int(args.size());
+    argv = args.data();
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
 
