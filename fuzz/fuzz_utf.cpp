@@ -3,9 +3,14 @@
 // the source. Every buffer is a heap block of exactly its size, so that the address sanitizer sees
 // any step over an end. Checked: both pointers stay in their buffers; a run stopped for want of
 // room and resumed with more gives what one run gives; a UTF-8 source cut anywhere and resumed
-// from where the converter stopped gives the same as well.
+// from where the converter stopped gives the same as well. The converters that take plain text in
+// blocks are held to their scalar twins with every kernel the processor runs, on the source and on
+// mostly plain text made from it.
 #include <zel/strings.h>
 
+#include "strings/utf_blocks.h"
+
+#include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -113,10 +118,79 @@ void Check(Converter<From, To> convert, const std::vector<From>& in, DWORD flags
     }
 }
 
+// The block converter and the scalar one give the same status, stop at the same places and leave
+// the same target buffer, behind the target pointer included: whole, cut, and with a target that
+// runs out `room` units before what the whole needs.
+template <typename From, typename To>
+void CheckBlocks(Converter<From, To> blocks, Converter<From, To> scalar, const std::vector<From>& in, DWORD flags,
+                 size_t room, size_t cut) {
+    struct Run {
+        ZelConvResult status;
+        size_t consumed, written;
+        std::vector<To> target;
+    };
+    auto run = [&in, flags](Converter<From, To> convert, size_t count, size_t space) {
+        const Exact<From> source(in.data(), count);
+        const Exact<To> target(space);
+        std::fill(target.begin(), target.end(), To(0xA5));
+        const From* src = source.begin();
+        To* tgt = target.begin();
+        const ZelConvResult status = convert(&src, source.end(), &tgt, target.end(), flags);
+        return Run{status, size_t(src - source.begin()), size_t(tgt - target.begin()),
+                   std::vector<To>(target.begin(), target.end())};
+    };
+    auto same = [&run, blocks, scalar](size_t count, size_t space) {
+        const Run expected = run(scalar, count, space), actual = run(blocks, count, space);
+        CHECK(actual.status == expected.status);
+        CHECK(actual.consumed == expected.consumed);
+        CHECK(actual.written == expected.written);
+        CHECK(actual.target == expected.target);
+        return expected.written;
+    };
+    zel::utf::LimitBlockLevel(2);
+    for (int level = zel::utf::BlockLevel(); level >= 1; --level) {
+        zel::utf::LimitBlockLevel(level);
+        const size_t worst = in.size() * kWorstGrowth<From, To>;
+        const size_t needed = same(in.size(), worst);
+        same(cut, worst);
+        same(in.size(), needed - std::min(needed, room));
+    }
+    zel::utf::LimitBlockLevel(2);
+}
+
+// Mostly plain text from the fuzzer's bytes, so that the blocks have runs to take: each byte gives
+// a run of 1 to 8 ASCII letters, Hangul syllables or two-byte characters or, now and then, one
+// unit that stops a block.
+std::vector<ZelUTF16> PlainText(const uint8_t* data, size_t size) {
+    static constexpr ZelUTF16 kStops[] = {0xD800, 0xDC00, 0xD83D, 0xDE00, 0x7F, 0x80, 0x7FF, 0x800, 0xFFFF, 0};
+    std::vector<ZelUTF16> text;
+    for (size_t i = 0; i < size; ++i) {
+        const unsigned b = data[i], run = 1 + (b >> 5);
+        for (unsigned k = 0; k < run; ++k) {
+            switch (b % 8) {
+                case 0: case 1: case 2: text.push_back(ZelUTF16(0x20 + (b + k) % 0x5F)); break;
+                case 3: case 4: case 5: text.push_back(ZelUTF16(0xAC00 + (b + k) * 43)); break;
+                case 6: text.push_back(ZelUTF16(0x80 + (b + k) * 7)); break;
+                default: text.push_back(kStops[(b / 8 + k) % std::size(kStops)]); k = run; break;
+            }
+        }
+    }
+    return text;
+}
+
+std::vector<ZelUTF8> Utf8Of(const std::vector<ZelUTF16>& text) {
+    std::vector<ZelUTF8> bytes(text.size() * 3);
+    const ZelUTF16* src = text.data();
+    ZelUTF8* tgt = bytes.data();
+    zel::utf::ScalarUTF16toUTF8(&src, src + text.size(), &tgt, bytes.data() + bytes.size(), ZelConvLenient);
+    bytes.resize(size_t(tgt - bytes.data()));
+    return bytes;
+}
+
 template <typename From>
 std::vector<From> Units(const uint8_t* data, size_t size) {
     std::vector<From> units(size / sizeof(From));
-    std::memcpy(units.data(), data, units.size() * sizeof(From));
+    if (!units.empty()) std::memcpy(units.data(), data, units.size() * sizeof(From));
     if constexpr (sizeof(From) == 4) {
         // Keep most values in the code space, where the interesting cases are.
         for (From& u : units)
@@ -136,9 +210,25 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     size -= 3;
     const size_t cut = size * cutByte / 256;
     switch (data[-3] % 6) {
-        case 0: Check(&ZelConvertUTF8toUTF16, Units<ZelUTF8>(data, size), flags, room, cut); break;
+        case 0: {
+            const std::vector<ZelUTF8> in = Units<ZelUTF8>(data, size);
+            Check(&ZelConvertUTF8toUTF16, in, flags, room, cut);
+            CheckBlocks(&ZelConvertUTF8toUTF16, &zel::utf::ScalarUTF8toUTF16, in, flags, room, cut);
+            const std::vector<ZelUTF8> plain = Utf8Of(PlainText(data, size));
+            CheckBlocks(&ZelConvertUTF8toUTF16, &zel::utf::ScalarUTF8toUTF16, plain, flags, room,
+                        plain.size() * cutByte / 256);
+            break;
+        }
+        case 2: {
+            const std::vector<ZelUTF16> in = Units<ZelUTF16>(data, size);
+            Check(&ZelConvertUTF16toUTF8, in, flags, room, 0);
+            CheckBlocks(&ZelConvertUTF16toUTF8, &zel::utf::ScalarUTF16toUTF8, in, flags, room, in.size() * cutByte / 256);
+            const std::vector<ZelUTF16> plain = PlainText(data, size);
+            CheckBlocks(&ZelConvertUTF16toUTF8, &zel::utf::ScalarUTF16toUTF8, plain, flags, room,
+                        plain.size() * cutByte / 256);
+            break;
+        }
         case 1: Check(&ZelConvertUTF8toUTF32, Units<ZelUTF8>(data, size), flags, room, cut); break;
-        case 2: Check(&ZelConvertUTF16toUTF8, Units<ZelUTF16>(data, size), flags, room, 0); break;
         case 3: Check(&ZelConvertUTF16toUTF32, Units<ZelUTF16>(data, size), flags, room, 0); break;
         case 4: Check(&ZelConvertUTF32toUTF8, Units<ZelUTF32>(data, size), flags, room, 0); break;
         default: Check(&ZelConvertUTF32toUTF16, Units<ZelUTF32>(data, size), flags, room, 0); break;

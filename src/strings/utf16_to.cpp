@@ -1,6 +1,7 @@
 // UTF-16 to UTF-32 and to UTF-8.
 #include <zel/strings.h>
 
+#include "strings/utf_blocks.h"
 #include "strings/utf_tables.h"
 
 namespace {
@@ -80,11 +81,16 @@ ZelConvResult ZelConvertUTF16toUTF32(const ZelUTF16** source, const ZelUTF16* so
     return RunConverter<1>(source, sourceEnd, target, targetEnd, fast, step);
 }
 
-ZelConvResult ZelConvertUTF16toUTF8(const ZelUTF16** source, const ZelUTF16* sourceEnd, ZelUTF8** target,
-                                    ZelUTF8* targetEnd, DWORD flags) {
+namespace {
+
+// With kBlocks, plain text is taken in blocks first.
+template <bool kBlocks>
+ZelConvResult EncodeUtf16(const ZelUTF16** source, const ZelUTF16* sourceEnd, ZelUTF8** target, ZelUTF8* targetEnd,
+                          DWORD flags) {
     const bool strict = flags == ZelConvStrict;
-    auto fast = [](const ZelUTF16*& src, const ZelUTF16* fastEnd, ZelUTF8*& tgt) {
-        while (src < fastEnd) {
+    // Up to stop; false at what is left to the full rules.
+    auto words = [](const ZelUTF16*& src, const ZelUTF16* stop, ZelUTF8*& tgt) {
+        while (src < stop) {
             const DWORD c = src[0];
             if (c < 0x80) {
                 if (FourAscii(src) && FourAscii(src + 4)) {
@@ -111,8 +117,23 @@ ZelConvResult ZelConvertUTF16toUTF8(const ZelUTF16** source, const ZelUTF16* sou
                 tgt += 4;
                 src += 2;
             } else {
-                return;
+                return false;
             }
+        }
+        return true;
+    };
+    // Blocks while they are plain; after one that is not, the words take 8 units or stop.
+    auto fast = [&words](const ZelUTF16*& src, const ZelUTF16* fastEnd, ZelUTF8*& tgt) {
+        while (src < fastEnd) {
+            const ZelUTF16* stop = fastEnd;
+#if ZEL_UTF_BLOCKS
+            if constexpr (kBlocks) {
+                Utf16ToUtf8Blocks(src, fastEnd, tgt);
+                if (src >= fastEnd) return;
+                stop = std::min(fastEnd, src + 8);
+            }
+#endif
+            if (!words(src, stop, tgt)) return;
         }
     };
     auto step = [sourceEnd, targetEnd, strict](const ZelUTF16*& src, ZelUTF8*& tgt, ZelConvResult& result) {
@@ -131,4 +152,17 @@ ZelConvResult ZelConvertUTF16toUTF8(const ZelUTF16** source, const ZelUTF16* sou
     };
     // A unit gives three bytes at the most; a pair gives four.
     return RunConverter<3>(source, sourceEnd, target, targetEnd, fast, step);
+}
+
+}  // namespace
+
+ZelConvResult ZelConvertUTF16toUTF8(const ZelUTF16** source, const ZelUTF16* sourceEnd, ZelUTF8** target,
+                                    ZelUTF8* targetEnd, DWORD flags) {
+    if (BlocksAvailable()) return EncodeUtf16<true>(source, sourceEnd, target, targetEnd, flags);
+    return EncodeUtf16<false>(source, sourceEnd, target, targetEnd, flags);
+}
+
+ZelConvResult zel::utf::ScalarUTF16toUTF8(const ZelUTF16** source, const ZelUTF16* sourceEnd, ZelUTF8** target,
+                                          ZelUTF8* targetEnd, DWORD flags) {
+    return EncodeUtf16<false>(source, sourceEnd, target, targetEnd, flags);
 }

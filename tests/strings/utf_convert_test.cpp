@@ -8,31 +8,15 @@
 #include <string>
 #include <vector>
 
+#include "strings/utf_test_types.h"
+
 namespace {
 
-using Bytes = std::vector<ZelUTF8>;
-using Units16 = std::vector<ZelUTF16>;
-using Units32 = std::vector<ZelUTF32>;
-
-template <typename From, typename To>
-using Converter = ZelConvResult (*)(const From**, const From*, To**, To*, DWORD);
-
-template <typename To>
-struct Outcome {
-    ZelConvResult status;
-    size_t consumed;  // source units behind the source pointer
-    std::vector<To> out;
-    bool operator==(const Outcome&) const = default;
-};
+using namespace utf_test;
 
 using R8 = Outcome<ZelUTF8>;
 using R16 = Outcome<ZelUTF16>;
 using R32 = Outcome<ZelUTF32>;
-
-template <typename To>
-void PrintTo(const Outcome<To>& o, std::ostream* os) {
-    *os << "status " << o.status << ", " << o.consumed << " consumed, wrote " << testing::PrintToString(o.out);
-}
 
 // One call over the whole source into a target of exactly room places.
 template <typename From, typename To>
