@@ -1,9 +1,13 @@
 // Level resolution of one line from its classes: the explicit controls and separators drop out,
 // then the weak, neutral and implicit steps.
 #include "bidi/bidi_internal.h"
+#include "bidi/bidi_tables.h"
 
 namespace zelbidi {
 
+namespace {
+
+// Gives 1 when some level was raised.
 DWORD BidiResolveImplicit(const WORD* classes, WORD* levels, DWORD count) {
     DWORD raised = 0;
     for (DWORD i = 0; i < count; ++i) {
@@ -15,6 +19,8 @@ DWORD BidiResolveImplicit(const WORD* classes, WORD* levels, DWORD count) {
     }
     return raised;
 }
+
+}  // namespace
 
 }  // namespace zelbidi
 
@@ -38,7 +44,7 @@ DWORD BidiAlgorithm(LONG baseLevel, const WCHAR* /*text*/, DWORD count, WORD* cl
         levels[i] = base;
     }
     BidiResolveWeak(base, classes, count);
-    BidiResolveNeutral(base, classes, levels, count);
+    BidiResolveNeutral(base, classes, count);
     const DWORD up = BidiResolveImplicit(classes, levels, count);
     if (raised) *raised = up;
     return count;

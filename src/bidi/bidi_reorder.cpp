@@ -1,36 +1,61 @@
-// Display order: mirrored characters at odd levels swap for their partners, and the runs of
-// higher levels are reversed, the deepest first.
+// Display order: the runs of higher levels are reversed, the deepest first, one level at a time.
 #include "bidi/bidi_internal.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <cstring>
 
 namespace zelbidi {
 
-void BidiMirrorText(WCHAR* text, const WORD* levels, DWORD count) {
-    for (DWORD i = 0; i < count; ++i)
-        if ((levels[i] & 1) && BidiMirrored(text[i])) text[i] = GetBidiMirroredChar(text[i]);
+namespace {
+
+// The four units of a 64-bit word in the opposite order.
+inline uint64_t Reversed4(uint64_t v) {
+    v = (v >> 32) | (v << 32);
+    return ((v >> 16) & 0x0000FFFF0000FFFFull) | ((v & 0x0000FFFF0000FFFFull) << 16);
 }
 
-DWORD BidiReorderLevel(WORD level, WCHAR* text, const WORD* levels, DWORD count, bool reverse) {
-    if (level & 1) reverse = true;
-    DWORD i = 0;
-    for (; i < count; ++i) {
-        if (levels[i] < level) break;
-        // A higher run lies inside this one: order it first. It is at least one unit long.
-        if (levels[i] > level)
-            i += BidiReorderLevel(static_cast<WORD>(level + 1), text + i, levels + i, count - i, reverse) - 1;
+// Reverses [first, last), four units from each end at a time.
+void ReverseUnits(WCHAR* first, WCHAR* last) {
+    while (last - first >= 8) {
+        uint64_t front, back;
+        std::memcpy(&front, first, sizeof front);
+        std::memcpy(&back, last - 4, sizeof back);
+        front = Reversed4(front);
+        back = Reversed4(back);
+        std::memcpy(first, &back, sizeof back);
+        std::memcpy(last - 4, &front, sizeof front);
+        first += 4;
+        last -= 4;
     }
-    if (reverse) std::reverse(text, text + i);
-    return i;
+    std::reverse(first, last);
+}
+
+}  // namespace
+
+void ReorderRuns(WORD baseLevel, unsigned top, bool noneBelowBase, WCHAR* text, const WORD* levels, DWORD count) {
+    // At an even base level the base runs stay as they are; every level from the lowest odd one up
+    // turns its runs around.
+    const unsigned lowest = (baseLevel & 1) ? baseLevel : baseLevel + 1u;
+    for (unsigned level = top; level >= lowest; --level) {
+        if (level == baseLevel && noneBelowBase) {
+            ReverseUnits(text, text + count);
+            break;
+        }
+        DWORD i = 0;
+        while (i < count) {
+            while (i < count && levels[i] < level) ++i;
+            const DWORD start = i;
+            while (i < count && levels[i] >= level) ++i;
+            ReverseUnits(text + start, text + i);
+        }
+    }
 }
 
 void BidiReorder(WORD baseLevel, WCHAR* text, const WORD* levels, DWORD count) {
-    for (DWORD i = 0; i < count;) {
-        // A level below the base level can't come from the resolution; such a unit stays where it
-        // is rather than stop the walk.
-        const DWORD done = BidiReorderLevel(baseLevel, text + i, levels + i, count - i, false);
-        i += done > 0 ? done : 1;
-    }
+    WORD top = 0;
+    for (DWORD i = 0; i < count; ++i) top = std::max(top, levels[i]);
+    ReorderRuns(baseLevel, top, false, text, levels, count);
 }
 
 }  // namespace zelbidi

@@ -1,39 +1,119 @@
-// One line of text from logical to display order, in place.
+// One line of text from logical to display order, in place, and what BidiString and ShapeString
+// share of it: the resolution of a line, its display order, and the line one of them resolved
+// last on this thread.
+#include <algorithm>
+#include <cstring>
+
 #include "bidi/bidi_internal.h"
+#include "bidi/unicode_lookup.h"
+
+namespace zelbidi {
+
+namespace {
+
+constinit thread_local SharedLine t_sharedLine{};
+
+}  // namespace
+
+void StoredClasses(const LineScratch& scratch, DWORD count, WORD* classes) {
+    for (DWORD i = 0; i < count; ++i) classes[i] = scratch.props[i] & kClassBits;
+}
+
+// The highest level of a line: the base level and the most that was added to it.
+inline unsigned TopLevel(WORD baseLevel, unsigned raised) { return baseLevel + ((raised & 2) ? 2u : raised); }
+
+void ToDisplayOrder(WCHAR* text, DWORD count, WORD baseLevel, unsigned raised, const LineScratch& scratch,
+                    WORD* levels, bool mirror) {
+    const BYTE* const props = scratch.props;
+    const auto classAt = [props](DWORD i) { return WORD{static_cast<WORD>(props[i] & kClassBits)}; };
+    if (mirror) {
+        // A mirrored character is of class ON, whose level the white space step leaves alone.
+        ResolveWhitespaceWith(baseLevel, levels, count, classAt, [text, props, levels](DWORD i) {
+            if ((props[i] >> kMirroredShift) & levels[i] & 1) text[i] = MirrorOf(text[i]);
+        });
+    } else {
+        ResolveWhitespaceWith(baseLevel, levels, count, classAt, [](DWORD) {});
+    }
+    ReorderRuns(baseLevel, TopLevel(baseLevel, raised), true, text, levels, count);
+}
+
+void RedoDisplayOrder(WCHAR* text, DWORD count, WORD base, unsigned raised, const WORD* levels, bool mirror) {
+    if (mirror) {
+        for (DWORD i = 0; i < count; ++i)
+            if (levels[i] & 1) text[i] = MirrorOf(text[i]);
+    }
+    ReorderRuns(base, TopLevel(base, raised), true, text, levels, count);
+}
+
+void StoredClasses(const WCHAR* text, DWORD count, WORD* classes) {
+    for (DWORD i = 0; i < count; ++i) classes[i] = StoredClassOf(text[i]);
+}
+
+LineScratch::LineScratch(DWORD count) : propScratch_(nullptr, count), classScratch_(nullptr, count) {
+    props = propScratch_.Get();
+    classes = classScratch_.Get();
+}
+
+const SharedLine* TakeSharedLine(SharedLine::Owner asker, const WCHAR* text, DWORD count, WORD base) {
+    SharedLine& line = t_sharedLine;
+    if (line.owner == SharedLine::kNone || line.owner == asker || line.count != count || line.base != base ||
+        std::memcmp(line.text, text, count * sizeof(WCHAR)) != 0)
+        return nullptr;
+    line.owner = SharedLine::kNone;
+    return &line;
+}
+
+SharedLine* KeepSharedLine(SharedLine::Owner owner, const WCHAR* text, DWORD count, WORD base) {
+    SharedLine& line = t_sharedLine;
+    if (count > SharedLine::kUnits || count == 0) {
+        line.owner = SharedLine::kNone;
+        return nullptr;
+    }
+    line.owner = owner;
+    line.count = count;
+    line.base = base;
+    std::copy(text, text + count, line.text);
+    return &line;
+}
+
+}  // namespace zelbidi
 
 using namespace zelbidi;
-
-bool zelbidi::ResolveLine(const WCHAR* text, DWORD count, WORD baseLevel, WORD* classes, WORD* levels) {
-    BidiClassify(text, count, classes, ClassMode::Resolve);
-    DWORD raised = 0;
-    BidiAlgorithm(baseLevel, text, count, classes, levels, &raised);
-    BidiClassify(text, count, classes, ClassMode::Raw);
-    return raised != 0;
-}
-
-void zelbidi::ToDisplayOrder(WCHAR* text, DWORD count, WORD baseLevel, const WORD* classes, WORD* levels,
-                             bool mirror) {
-    BidiResolveWhitespace(baseLevel, classes, levels, count);
-    if (mirror) BidiMirrorText(text, levels, count);
-    BidiReorder(baseLevel, text, levels, count);
-}
 
 DWORD BidiString(WCHAR* text, DWORD count, WORD* classes, WORD* levels, int mirror, int direction) {
     count = TextCount(count);
     if (!text && count) return 0;
+    if (count == 0) return 0;
     const WORD base = direction == 1 ? 1 : 0;
-    // Arrays the caller didn't give lie on the stack for a line of up to Scratch::kStackUnits
-    // (1024) units and on the heap for a longer one. Without memory for them the line is left as
-    // it is.
-    Scratch<WORD> classScratch(classes, count);
-    Scratch<WORD> levelScratch(levels, count);
-    classes = classScratch.Get();
-    levels = levelScratch.Get();
-    if (!classes || !levels) return 0;
 
-    const bool raised = ResolveLine(text, count, base, classes, levels);
+    // The line that ShapeString has just resolved: its levels and display order serve again.
+    if (const SharedLine* line = TakeSharedLine(SharedLine::kBidiString, text, count, base)) {
+        if (classes) StoredClasses(text, count, classes);
+        if (levels) std::copy(line->levels, line->levels + count, levels);
+        if (!line->raised && base == 0) return count;
+        if (line->mirror == (mirror != 0)) std::copy(line->display, line->display + count, text);
+        else RedoDisplayOrder(text, count, base, line->raised, line->levels, mirror != 0);
+        return count;
+    }
+
+    // The levels array, when the caller doesn't give one, and the scratch space lie on the stack
+    // for a line of up to Scratch::kStackUnits (1024) units and on the heap for a longer one.
+    // Without memory for them the line is left as it is.
+    Scratch<WORD> levelScratch(levels, count);
+    LineScratch scratch(count);
+    levels = levelScratch.Get();
+    if (!levels || !scratch.props || !scratch.classes) return 0;
+
+    SharedLine* keep = KeepSharedLine(SharedLine::kBidiString, text, count, base);
+    const unsigned raised = ResolveLine(text, count, base, scratch, levels);
+    if (classes) StoredClasses(scratch, count, classes);
     // A left-to-right line with nothing raised reads as it stands.
-    if (!raised && base == 0) return count;
-    ToDisplayOrder(text, count, base, classes, levels, mirror != 0);
+    if (raised || base != 0) ToDisplayOrder(text, count, base, raised, scratch, levels, mirror != 0);
+    if (keep) {
+        keep->raised = static_cast<BYTE>(raised);
+        keep->mirror = mirror != 0;
+        std::copy(levels, levels + count, keep->levels);
+        std::copy(text, text + count, keep->display);
+    }
     return count;
 }
