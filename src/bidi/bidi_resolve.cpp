@@ -98,39 +98,55 @@ constexpr BYTE kLineClassMap[kClassBits + 1] = {
     ZelBidiON, ZelBidiON, ZelBidiON, ZelBidiON, ZelBidiON, ZelBidiON, ZelBidiON,  ZelBidiON,
 };
 
-// The machines walk the positions in order. A line gives them the class of each position
-// (line.Read, called once per position in order; kSkip for a position passed over), the column of
-// a class (line.Column), and takes the class each position ends with (line.Write) and the class a
-// deferred run of the run positions in front of an index is filled with (line.Fill).
-template <bool kMaySkip, int kStates, typename Line>
-void WalkRuns(const Cell (&cells)[kStates][kColumns], DWORD count, Cell state, int end, Line& line) {
-    DWORD run = 0;
-    for (DWORD i = 0; i < count; ++i) {
-        const Cell cls = line.Read(i);
-        if (kMaySkip && cls == kSkip) continue;
+// One state machine walking positions in order, with the deferred run it has open. A line takes
+// the class each position ends with (line.Write) and the class a run of the run positions in front
+// of an index is filled with (line.Fill), and gives the column of a class (line.Column).
+template <int kStates>
+struct Machine {
+    const Cell (*cells)[kColumns];
+    Cell state;
+    DWORD run;
+
+    // The position index of class cls; gives the class it takes.
+    template <typename Line>
+    Cell Step(DWORD index, Cell cls, Line& line) {
         const Cell cell = cells[state][line.Column(cls)];
         if (cell & kFills) {
-            line.Fill(i, run, (cell >> kFillShift) & 0x1F);
+            line.Fill(index, run, (cell >> kFillShift) & 0x1F);
             run = 0;
         }
         // Where every class has a column of its own, the column's cell holds the class it keeps.
         const Cell take = (cell >> kTakeShift) & 0x1F;
-        line.Write(i, Line::kOwnColumns || !(cell & kKeep) ? take : cls);
+        const Cell out = Line::kOwnColumns || !(cell & kKeep) ? take : cls;
+        line.Write(index, out);
         run += (cell >> kJoinsShift) & 1;
         if (cell & kJoinsOpenRun) run += run != 0;
         state = cell & kStateBits;
+        return out;
     }
+
     // Behind the last position the class end stands in for a next one; only its fill is used.
-    const Cell cell = cells[state][end];
-    if (cell & kFills) line.Fill(count, run, (cell >> kFillShift) & 0x1F);
+    template <typename Line>
+    void End(DWORD count, int end, Line& line) {
+        const Cell cell = cells[state][end];
+        if (cell & kFills) line.Fill(count, run, (cell >> kFillShift) & 0x1F);
+        run = 0;
+    }
+};
+
+// The machines start as if a character of the base direction stood before the line, and the end
+// of the line settles what is open as if one followed it.
+Machine<kWeakStates> WeakMachine(WORD baseLevel) { return {kWeak.cells, (baseLevel & 1) ? 1u : 2u, 0}; }
+Machine<kNeutralStates> NeutralMachine(WORD baseLevel) {
+    return {kNeutral[baseLevel & 1].cells, (baseLevel & 1) ? 0u : 1u, 0};
 }
+int EndClass(WORD baseLevel) { return (baseLevel & 1) ? ZelBidiR : ZelBidiL; }
 
 // An array of classes of any value, some of them skipped, resolved in place.
 struct ClassArray {
     static constexpr bool kOwnColumns = false;
     WORD* classes;
 
-    Cell Read(DWORD i) const { return classes[i]; }
     static Cell Column(Cell cls) { return cls < kColumns ? cls : kColumns - 1; }
     void Write(DWORD i, Cell cls) const { classes[i] = static_cast<WORD>(cls); }
     // From the nearest position backwards, passing over skipped ones.
@@ -144,26 +160,19 @@ struct ClassArray {
     }
 };
 
-// The weak step reading a text: the property byte of each unit is read here, once, and kept; the
-// class it gives for the resolution goes into the machine and its result into classes.
-struct TextClasses {
-    static constexpr bool kOwnColumns = true;
-    const WCHAR* text;
-    BYTE* props;
-    BYTE* classes;
-    Cell last;
+template <int kStates>
+void WalkClasses(Machine<kStates> machine, WORD baseLevel, WORD* classes, DWORD count) {
+    ClassArray line{classes};
+    for (DWORD i = 0; i < count; ++i)
+        if (classes[i] != kSkip) machine.Step(i, classes[i], line);
+    machine.End(count, EndClass(baseLevel), line);
+}
 
-    Cell Read(DWORD i) {
-        const WCHAR c = text[i];
-        const BYTE prop = PropertyByteOf(c);
-        props[i] = prop;
-        Cell cls = kLineClassMap[prop & kClassBits];
-        // A full stop right behind a number belongs to it, so a decimal point never separates,
-        // and a run of full stops all follow the number.
-        if (c == u'.' && (last == ZelBidiEN || last == ZelBidiAN)) cls = last;
-        last = cls;
-        return cls;
-    }
+// The classes of a line, one byte each, none skipped, as the weak step leaves them.
+struct LineClasses {
+    static constexpr bool kOwnColumns = true;
+    BYTE* classes;
+
     static Cell Column(Cell cls) { return cls; }
     void Write(DWORD i, Cell cls) const { classes[i] = static_cast<BYTE>(cls); }
     void Fill(DWORD index, DWORD run, Cell cls) const {
@@ -176,13 +185,11 @@ struct TextClasses {
 // that is never filled is a neutral or BN and stays at the base level.
 struct LineLevels {
     static constexpr bool kOwnColumns = true;
-    const BYTE* classes;
     WORD* levels;
     WORD base;
     const BYTE* add;
     unsigned raised;
 
-    Cell Read(DWORD i) const { return classes[i]; }
     static Cell Column(Cell cls) { return cls; }
     void Write(DWORD i, Cell cls) {
         raised |= add[cls];
@@ -211,38 +218,48 @@ constexpr ImplicitTable MakeImplicitTable() {
 
 constexpr ImplicitTable kImplicit = MakeImplicitTable();
 
-// The machines start as if a character of the base direction stood before the line, and the end
-// of the line settles what is open as if one followed it.
-template <bool kMaySkip, typename Line>
-void Weak(WORD baseLevel, DWORD count, Line& line) {
-    const bool odd = baseLevel & 1;
-    WalkRuns<kMaySkip>(kWeak.cells, count, odd ? 1 : 2, odd ? ZelBidiR : ZelBidiL, line);
-}
-
-template <bool kMaySkip, typename Line>
-void Neutral(WORD baseLevel, DWORD count, Line& line) {
-    const bool odd = baseLevel & 1;
-    WalkRuns<kMaySkip>(kNeutral[odd].cells, count, odd ? 0 : 1, odd ? ZelBidiR : ZelBidiL, line);
-}
-
 }  // namespace
 
 void BidiResolveWeak(WORD baseLevel, WORD* classes, DWORD count) {
-    ClassArray line{classes};
-    Weak<true>(baseLevel, count, line);
+    WalkClasses(WeakMachine(baseLevel), baseLevel, classes, count);
 }
 
 void BidiResolveNeutral(WORD baseLevel, WORD* classes, DWORD count) {
-    ClassArray line{classes};
-    Neutral<true>(baseLevel, count, line);
+    WalkClasses(NeutralMachine(baseLevel), baseLevel, classes, count);
 }
 
+// The weak and the neutral machine walk the line together, the neutral one a position behind the
+// weak one, or as far behind as the weak one has a run open: a position goes on to the neutral
+// step once its weak class is settled. The two machines then work side by side.
 unsigned ResolveLine(const WCHAR* text, DWORD count, WORD baseLevel, LineScratch& scratch, WORD* levels) {
-    TextClasses weak{text, scratch.props, scratch.classes, ZelBidiON};
-    Weak<false>(baseLevel, count, weak);
-    LineLevels neutral{scratch.classes, levels, baseLevel, kImplicit.add[baseLevel & 1], 0};
-    Neutral<false>(baseLevel, count, neutral);
-    return neutral.raised;
+    BYTE* const props = scratch.props;
+    LineClasses classes{scratch.classes};
+    LineLevels settled{levels, baseLevel, kImplicit.add[baseLevel & 1], 0};
+    Machine weak = WeakMachine(baseLevel);
+    Machine neutral = NeutralMachine(baseLevel);
+    DWORD fed = 0;  // the positions before fed have gone through the neutral step
+    Cell last = ZelBidiON;
+    for (DWORD i = 0; i < count; ++i) {
+        // The property byte of each unit is read here, once, and kept.
+        const WCHAR c = text[i];
+        const BYTE prop = PropertyByteOf(c);
+        props[i] = prop;
+        Cell cls = kLineClassMap[prop & kClassBits];
+        // A full stop right behind a number belongs to it, so a decimal point never separates,
+        // and a run of full stops all follow the number.
+        if (c == u'.' && (last == ZelBidiEN || last == ZelBidiAN)) cls = last;
+        last = cls;
+        const Cell weakClass = weak.Step(i, cls, classes);
+        if (weak.run == 0) {
+            for (; fed < i; ++fed) neutral.Step(fed, classes.classes[fed], settled);
+            neutral.Step(i, weakClass, settled);
+            fed = i + 1;
+        }
+    }
+    weak.End(count, EndClass(baseLevel), classes);
+    for (; fed < count; ++fed) neutral.Step(fed, classes.classes[fed], settled);
+    neutral.End(count, EndClass(baseLevel), settled);
+    return settled.raised;
 }
 
 }  // namespace zelbidi
