@@ -31,19 +31,18 @@ enum class ClassMode {
 void BidiResolveWeak(WORD baseLevel, WORD* classes, DWORD count);
 void BidiResolveNeutral(WORD baseLevel, WORD* classes, DWORD count);
 
-// Puts text into display order by its levels, which stay in logical order: from the highest level
-// down to the lowest odd level at or above baseLevel, each run of that level or above is reversed.
-// A unit below the base level stays where it is.
-void BidiReorder(WORD baseLevel, WCHAR* text, const WORD* levels, DWORD count);
-// The same when no level is above top, and, when noneBelowBase is set, none below the base level.
-void ReorderRuns(WORD baseLevel, unsigned top, bool noneBelowBase, WCHAR* text, const WORD* levels, DWORD count);
+// Writes count units of text to out, which doesn't overlap it, in display order by their levels,
+// which are those of a resolved line: none below the base level, and none above the lowest odd
+// level at or above it plus one. When mirror is set the units at an odd level are swapped for
+// their partners; props, when not null, are the property bytes of text, which save a look-up.
+void ReorderInto(WCHAR* out, const WCHAR* text, const BYTE* props, const WORD* levels, DWORD count, WORD baseLevel,
+                 bool mirror);
 
 // The white space step: trailing white space and white space in front of a segment or paragraph
 // separator go back to the base level, a BN takes the level before it. classAt(i) gives the
-// stored class of position i. Every other position keeps its level, which is final when other(i)
-// is called on it; white space, separators, BN and explicit controls never get there.
-template <typename ClassAt, typename Other>
-void ResolveWhitespaceWith(WORD baseLevel, WORD* levels, DWORD count, ClassAt classAt, Other other) {
+// stored class of position i.
+template <typename ClassAt>
+void ResolveWhitespaceWith(WORD baseLevel, WORD* levels, DWORD count, ClassAt classAt) {
     DWORD run = 0;
     WORD previous = baseLevel;
     const auto reset = [&](DWORD index) {
@@ -51,6 +50,15 @@ void ResolveWhitespaceWith(WORD baseLevel, WORD* levels, DWORD count, ClassAt cl
     };
     for (DWORD i = 0; i < count; ++i) {
         const WORD cls = classAt(i);
+        // BN, the separators, the explicit controls and skipped positions are few; white space
+        // and everything else, the most of a line, go without a branch on the class.
+        constexpr DWORD kFew = 1u << ZelBidiBN | 1u << ZelBidiS | 1u << ZelBidiB | 1u << ZelBidiRLE |
+                               1u << ZelBidiRLO | 1u << ZelBidiLRO | 1u << ZelBidiLRE | 1u << ZelBidiPDF;
+        if (!(cls < 32 ? (kFew >> cls) & 1 : cls == kSkip)) {
+            run = cls == ZelBidiWS ? run + 1 : 0;
+            previous = levels[i];
+            continue;
+        }
         switch (cls) {
         case kSkip:
             ++run;
@@ -58,9 +66,6 @@ void ResolveWhitespaceWith(WORD baseLevel, WORD* levels, DWORD count, ClassAt cl
         case ZelBidiBN:
             // A BN was passed over by the resolution; it goes with what stands before it.
             levels[i] = previous;
-            ++run;
-            break;
-        case ZelBidiWS:
             ++run;
             break;
         case ZelBidiS:
@@ -77,8 +82,6 @@ void ResolveWhitespaceWith(WORD baseLevel, WORD* levels, DWORD count, ClassAt cl
             // An explicit control neither ends a run of white space nor lengthens it.
             break;
         default:
-            run = 0;
-            other(i);
             break;
         }
         previous = levels[i];
@@ -131,14 +134,13 @@ private:
 };
 
 // The first half of a line's way to display, shared by BidiString and ShapeString: the properties
-// go to scratch and the resolved levels to levels. Gives what was added to the base level, each of
-// 1 and 2 where some level was raised by it: 0 when no level was raised.
+// go to scratch and the resolved levels to levels. Gives 0 when no level was raised.
 unsigned ResolveLine(const WCHAR* text, DWORD count, WORD baseLevel, LineScratch& scratch, WORD* levels);
 // The stored classes of the line, for a caller's array.
 void StoredClasses(const LineScratch& scratch, DWORD count, WORD* classes);
-// The second half: white space back to the base level, mirroring when asked for, reordering.
-// raised is what ResolveLine gave.
-void ToDisplayOrder(WCHAR* text, DWORD count, WORD baseLevel, unsigned raised, const LineScratch& scratch,
+// The second half: white space back to the base level, then the text in display order to out,
+// which doesn't overlap it, mirrored when asked for.
+void ToDisplayOrder(WCHAR* out, const WCHAR* text, DWORD count, WORD baseLevel, const LineScratch& scratch,
                     WORD* levels, bool mirror);
 
 // What one of BidiString and ShapeString resolved of a line of up to kUnits units, kept for the
@@ -154,7 +156,7 @@ struct SharedLine {
     WORD base;
     Owner owner;
     bool mirror;
-    BYTE raised;  // as ResolveLine gave it
+    bool raised;
     WCHAR text[kUnits];
     WCHAR display[kUnits];
     WORD levels[kUnits];
@@ -168,8 +170,10 @@ const SharedLine* TakeSharedLine(SharedLine::Owner asker, const WCHAR* text, DWO
 SharedLine* KeepSharedLine(SharedLine::Owner owner, const WCHAR* text, DWORD count, WORD base);
 // The stored classes of a text, for a caller's array.
 void StoredClasses(const WCHAR* text, DWORD count, WORD* classes);
-// Puts a copy of text into display order by the levels of a line resolved before.
-void RedoDisplayOrder(WCHAR* text, DWORD count, WORD base, unsigned raised, const WORD* levels, bool mirror);
+// The display order of a line resolved before from its levels, to out.
+inline void RedoDisplayOrder(WCHAR* out, const WCHAR* text, DWORD count, WORD base, const WORD* levels, bool mirror) {
+    ReorderInto(out, text, nullptr, levels, count, base, mirror);
+}
 
 }  // namespace zelbidi
 

@@ -13,81 +13,95 @@ namespace zelbidi {
 
 namespace {
 
-// A packed cell, by state and class: the next state, the class the position takes or that it
-// keeps its own, the class the deferred run is filled with if any, whether the position joins the
-// run, and for a BN whether it joins a run that is open. Classes from 32 up read column 31, which
-// is that of ON, as are the columns of every class the tables don't name.
-using Cell = uint32_t;
+// A packed cell, by state and class, one read telling everything that happens at a position: the
+// low 32 bits are the first cell of the next state's row, so that the walk takes the next row
+// with no more than a move; above them byte 4 is the class the position takes (its own where it
+// keeps it), byte 5 the class the deferred run is filled with, byte 6 what happens to the run.
+// Classes from 32 up read column 31, which is that of ON, as are the columns of every class the
+// tables don't name. For the neutral step of a line the two classes are given as what the
+// implicit step adds to the base level for them.
+using Cell = uint64_t;
 constexpr int kColumns = 32;
-constexpr Cell kStateBits = 0x1F;
-constexpr int kTakeShift = 5;
-constexpr Cell kKeep = 1u << 10;
-constexpr int kFillShift = 11;
-constexpr Cell kFills = 1u << 16;
-constexpr int kJoinsShift = 17;
-constexpr Cell kJoins = 1u << kJoinsShift;
-constexpr Cell kJoinsOpenRun = 1u << 18;
+constexpr int kTakeShift = 32;
+constexpr int kFillShift = 40;
+constexpr Cell kFills = Cell{1} << 48;         // the run is filled with byte 5
+constexpr Cell kJoins = Cell{1} << 49;         // the position joins the run
+constexpr Cell kJoinsOpenRun = Cell{1} << 50;  // the position (a BN) joins the run if one is open
+constexpr Cell kKeep = Cell{1} << 51;          // the position keeps its own class
+
+inline Cell TakeOf(Cell cell) { return (cell >> kTakeShift) & 0xFF; }
+inline Cell FillOf(Cell cell) { return (cell >> kFillShift) & 0xFF; }
 
 // A cell of the column of class cls; take is -1 where the position keeps its class, fill -1 where
 // the run stays open.
 constexpr Cell Pack(int cls, int next, int take, int fill, bool joins) {
-    return static_cast<Cell>(next) | (take < 0 ? kKeep | static_cast<Cell>(cls) << kTakeShift : static_cast<Cell>(take) << kTakeShift) |
-           (fill < 0 ? 0 : kFills | static_cast<Cell>(fill) << kFillShift) | (joins ? kJoins : 0);
+    return Cell(take < 0 ? cls : take) << kTakeShift | (take < 0 ? kKeep : 0) |
+           (fill < 0 ? 0 : kFills | Cell(fill) << kFillShift) | (joins ? kJoins : 0) | Cell(next * kColumns);
 }
 
 // A BN is looked up nowhere: the state stays, and it joins a run that is open.
 constexpr Cell PackBN(int state) { return Pack(ZelBidiBN, state, -1, -1, false) | kJoinsOpenRun; }
 
-struct WeakTable {
-    Cell cells[kWeakStates][kColumns];
+template <int kStates>
+struct Table {
+    Cell cells[kStates * kColumns];
 };
 
-constexpr WeakTable MakeWeakTable() {
-    WeakTable t{};
+constexpr Table<kWeakStates> MakeWeakTable() {
+    Table<kWeakStates> t{};
     for (int state = 0; state < kWeakStates; ++state) {
         for (int cls = 0; cls < kColumns; ++cls) {
+            Cell& cell = t.cells[state * kColumns + cls];
             if (cls == ZelBidiBN) {
-                t.cells[state][cls] = PackBN(state);
+                cell = PackBN(state);
                 continue;
             }
             const int column = cls < kWeakColumns ? cls : int{ZelBidiON};
             const WORD action = kWeakActionTbl[state][column];
             const int take = action & 0xF, fill = (action >> 4) & 0xF;
-            t.cells[state][cls] = Pack(cls, kWeakStateTbl[state][column], take == 0xF ? -1 : take,
-                                       fill == 0xF ? -1 : fill, action & 0x100);
+            cell = Pack(cls, kWeakStateTbl[state][column], take == 0xF ? -1 : take, fill == 0xF ? -1 : fill,
+                        action & 0x100);
         }
     }
     return t;
 }
+
+// What the implicit step adds to a level of the parity by the resolved class; nothing for a class
+// that is no longer ON, L, R, AN or EN (a BN, or a weak class left in an open run).
+constexpr int ImplicitAdd(int parity, int cls) { return cls < kNeutralColumns ? kImplicitTbl[parity][cls] : 0; }
 
 // The neutral cells by the parity of the base level, which every position has during this step,
-// so that a fill with the direction of the level is a fill with a class.
-struct NeutralTable {
-    Cell cells[kNeutralStates][kColumns];
-};
-
-constexpr NeutralTable MakeNeutralTable(int parity) {
-    NeutralTable t{};
+// so that a fill with the direction of the level is a fill with a class. With adds, the classes of
+// a cell are given as what the implicit step adds to the base level for them.
+constexpr Table<kNeutralStates> MakeNeutralTable(int parity, bool adds) {
+    Table<kNeutralStates> t{};
     for (int state = 0; state < kNeutralStates; ++state) {
         for (int cls = 0; cls < kColumns; ++cls) {
+            Cell& cell = t.cells[state * kColumns + cls];
             if (cls == ZelBidiBN) {
-                t.cells[state][cls] = PackBN(state);
-                continue;
+                cell = PackBN(state);
+            } else {
+                const int column = cls < kNeutralColumns ? cls : int{ZelBidiON};
+                const WORD action = kNeutralActionTbl[state][column];
+                const int take = action & 0xF;
+                int fill = (action >> 4) & 0xF;
+                if (fill == 3) fill = parity ? ZelBidiR : ZelBidiL;
+                cell = Pack(cls, kNeutralStateTbl[state][column], take == 0 ? -1 : take, fill == 0 ? -1 : fill,
+                            action & 0x100);
             }
-            const int column = cls < kNeutralColumns ? cls : int{ZelBidiON};
-            const WORD action = kNeutralActionTbl[state][column];
-            const int take = action & 0xF;
-            int fill = (action >> 4) & 0xF;
-            if (fill == 3) fill = parity ? ZelBidiR : ZelBidiL;
-            t.cells[state][cls] = Pack(cls, kNeutralStateTbl[state][column], take == 0 ? -1 : take,
-                                       fill == 0 ? -1 : fill, action & 0x100);
+            if (adds) {
+                const int take = ImplicitAdd(parity, static_cast<int>((cell >> kTakeShift) & 0xFF));
+                const int fill = ImplicitAdd(parity, static_cast<int>((cell >> kFillShift) & 0xFF));
+                cell = (cell & ~(Cell{0xFFFF} << kTakeShift)) | Cell(take) << kTakeShift | Cell(fill) << kFillShift;
+            }
         }
     }
     return t;
 }
 
-constexpr WeakTable kWeak = MakeWeakTable();
-constexpr NeutralTable kNeutral[2] = {MakeNeutralTable(0), MakeNeutralTable(1)};
+constexpr Table<kWeakStates> kWeak = MakeWeakTable();
+constexpr Table<kNeutralStates> kNeutral[2] = {MakeNeutralTable(0, false), MakeNeutralTable(1, false)};
+constexpr Table<kNeutralStates> kNeutralAdds[2] = {MakeNeutralTable(0, true), MakeNeutralTable(1, true)};
 
 // The class of a stored class for the resolution: S, WS and the spare values are ON; paragraph
 // separators and explicit controls are BN, since neither a paragraph nor an embedding is acted on.
@@ -101,50 +115,58 @@ constexpr BYTE kLineClassMap[kClassBits + 1] = {
 // One state machine walking positions in order, with the deferred run it has open. A line takes
 // the class each position ends with (line.Write) and the class a run of the run positions in front
 // of an index is filled with (line.Fill), and gives the column of a class (line.Column).
-template <int kStates>
 struct Machine {
-    const Cell (*cells)[kColumns];
-    Cell state;
+    const Cell* cells;
+    Cell row;  // the first cell of the state's row
     DWORD run;
 
     // The position index of class cls; gives the class it takes.
     template <typename Line>
     Cell Step(DWORD index, Cell cls, Line& line) {
-        const Cell cell = cells[state][line.Column(cls)];
-        if (cell & kFills) {
-            line.Fill(index, run, (cell >> kFillShift) & 0x1F);
+        const Cell cell = cells[row + line.Column(cls)];
+        if constexpr (Line::kFillsWithoutBranch) {
+            const bool fills = run != 0 && (cell & kFills);
+            line.FillWithoutBranch(index, run, FillOf(cell), fills);
+            run = fills ? 0 : run;
+        } else if (run != 0 && (cell & kFills)) {
+            line.Fill(index, run, FillOf(cell));
             run = 0;
         }
         // Where every class has a column of its own, the column's cell holds the class it keeps.
-        const Cell take = (cell >> kTakeShift) & 0x1F;
-        const Cell out = Line::kOwnColumns || !(cell & kKeep) ? take : cls;
+        const Cell out = Line::kOwnColumns || !(cell & kKeep) ? TakeOf(cell) : cls;
         line.Write(index, out);
-        run += (cell >> kJoinsShift) & 1;
-        if (cell & kJoinsOpenRun) run += run != 0;
-        state = cell & kStateBits;
+        if (cell & kJoinsOpenRun) {
+            run += run != 0;
+            return out;
+        }
+        // A position that doesn't join the run ends it: where one is open, it has been filled.
+        run = (cell & kJoins) ? run + 1 : 0;
+        row = static_cast<uint32_t>(cell);
         return out;
     }
 
     // Behind the last position the class end stands in for a next one; only its fill is used.
     template <typename Line>
     void End(DWORD count, int end, Line& line) {
-        const Cell cell = cells[state][end];
-        if (cell & kFills) line.Fill(count, run, (cell >> kFillShift) & 0x1F);
+        const Cell cell = cells[row + end];
+        if (cell & kFills) line.Fill(count, run, FillOf(cell));
         run = 0;
     }
 };
 
 // The machines start as if a character of the base direction stood before the line, and the end
 // of the line settles what is open as if one followed it.
-Machine<kWeakStates> WeakMachine(WORD baseLevel) { return {kWeak.cells, (baseLevel & 1) ? 1u : 2u, 0}; }
-Machine<kNeutralStates> NeutralMachine(WORD baseLevel) {
-    return {kNeutral[baseLevel & 1].cells, (baseLevel & 1) ? 0u : 1u, 0};
+Machine WeakMachine(WORD baseLevel) { return {kWeak.cells, ((baseLevel & 1) ? 1u : 2u) * kColumns, 0}; }
+Machine NeutralMachine(WORD baseLevel, bool adds) {
+    const Table<kNeutralStates>& table = (adds ? kNeutralAdds : kNeutral)[baseLevel & 1];
+    return {table.cells, ((baseLevel & 1) ? 0u : 1u) * kColumns, 0};
 }
 int EndClass(WORD baseLevel) { return (baseLevel & 1) ? ZelBidiR : ZelBidiL; }
 
 // An array of classes of any value, some of them skipped, resolved in place.
 struct ClassArray {
     static constexpr bool kOwnColumns = false;
+    static constexpr bool kFillsWithoutBranch = false;
     WORD* classes;
 
     static Cell Column(Cell cls) { return cls < kColumns ? cls : kColumns - 1; }
@@ -160,8 +182,7 @@ struct ClassArray {
     }
 };
 
-template <int kStates>
-void WalkClasses(Machine<kStates> machine, WORD baseLevel, WORD* classes, DWORD count) {
+void WalkClasses(Machine machine, WORD baseLevel, WORD* classes, DWORD count) {
     ClassArray line{classes};
     for (DWORD i = 0; i < count; ++i)
         if (classes[i] != kSkip) machine.Step(i, classes[i], line);
@@ -171,6 +192,7 @@ void WalkClasses(Machine<kStates> machine, WORD baseLevel, WORD* classes, DWORD 
 // The classes of a line, one byte each, none skipped, as the weak step leaves them.
 struct LineClasses {
     static constexpr bool kOwnColumns = true;
+    static constexpr bool kFillsWithoutBranch = false;
     BYTE* classes;
 
     static Cell Column(Cell cls) { return cls; }
@@ -181,42 +203,39 @@ struct LineClasses {
 };
 
 // The neutral step of a line with the implicit step behind it: a position's class is settled when
-// the machine writes it or fills the run it is in, and only its level is kept. A position in a run
-// that is never filled is a neutral or BN and stays at the base level.
+// the machine writes it or fills the run it is in, and only its level is kept. The machine gives
+// what the implicit step adds for the class. A position in a run that is never filled is a
+// neutral or BN and stays at the base level.
 struct LineLevels {
     static constexpr bool kOwnColumns = true;
+    // Runs of neutrals end at every word, too irregularly for a branch to be foretold: the nearest
+    // position of a run is settled without one, and only a longer run takes a loop.
+    static constexpr bool kFillsWithoutBranch = true;
     WORD* levels;
     WORD base;
-    const BYTE* add;
-    unsigned raised;
+    Cell raised;
+    WORD spare;  // what is written where nothing is settled
 
     static Cell Column(Cell cls) { return cls; }
-    void Write(DWORD i, Cell cls) {
-        raised |= add[cls];
-        levels[i] = static_cast<WORD>(base + add[cls]);
+    void Write(DWORD i, Cell add) {
+        raised |= add;
+        levels[i] = static_cast<WORD>(base + add);
     }
-    void Fill(DWORD index, DWORD run, Cell cls) {
+    void FillWithoutBranch(DWORD index, DWORD run, Cell add, bool fills) {
+        const auto level = static_cast<WORD>(base + add);
+        *(fills ? &levels[index - 1] : &spare) = level;
+        raised |= fills ? add : 0;
+        if (fills && run > 1) {
+            for (DWORD k = index - run; k < index - 1; ++k) levels[k] = level;
+        }
+    }
+    void Fill(DWORD index, DWORD run, Cell add) {
         if (run == 0) return;
-        raised |= add[cls];
-        const auto level = static_cast<WORD>(base + add[cls]);
+        raised |= add;
+        const auto level = static_cast<WORD>(base + add);
         for (DWORD k = index - run; k < index; ++k) levels[k] = level;
     }
 };
-
-// What the implicit step adds to a level of each parity, by the resolved class; nothing for a
-// class that is no longer ON, L, R, AN or EN (a BN, or a weak class left in an open run).
-struct ImplicitTable {
-    BYTE add[2][kColumns];
-};
-
-constexpr ImplicitTable MakeImplicitTable() {
-    ImplicitTable t{};
-    for (int parity = 0; parity < 2; ++parity)
-        for (int cls = 0; cls < kNeutralColumns; ++cls) t.add[parity][cls] = kImplicitTbl[parity][cls];
-    return t;
-}
-
-constexpr ImplicitTable kImplicit = MakeImplicitTable();
 
 }  // namespace
 
@@ -225,7 +244,7 @@ void BidiResolveWeak(WORD baseLevel, WORD* classes, DWORD count) {
 }
 
 void BidiResolveNeutral(WORD baseLevel, WORD* classes, DWORD count) {
-    WalkClasses(NeutralMachine(baseLevel), baseLevel, classes, count);
+    WalkClasses(NeutralMachine(baseLevel, false), baseLevel, classes, count);
 }
 
 // The weak and the neutral machine walk the line together, the neutral one a position behind the
@@ -234,17 +253,30 @@ void BidiResolveNeutral(WORD baseLevel, WORD* classes, DWORD count) {
 unsigned ResolveLine(const WCHAR* text, DWORD count, WORD baseLevel, LineScratch& scratch, WORD* levels) {
     BYTE* const props = scratch.props;
     LineClasses classes{scratch.classes};
-    LineLevels settled{levels, baseLevel, kImplicit.add[baseLevel & 1], 0};
+    LineLevels settled{levels, baseLevel, 0, 0};
     Machine weak = WeakMachine(baseLevel);
-    Machine neutral = NeutralMachine(baseLevel);
+    Machine neutral = NeutralMachine(baseLevel, true);
     DWORD fed = 0;  // the positions before fed have gone through the neutral step
     Cell last = ZelBidiON;
+    // Behind a strong class (L, R, AL) both machines are in a state that the same class leaves as
+    // it is, with no run open: the rest of a word of that class takes the class and level of its
+    // first letter and needs neither machine.
+    constexpr Cell kNoRepeat = 0xFF;
+    Cell repeat = kNoRepeat;
+    BYTE repeatClass = 0;
+    WORD repeatLevel = 0;
     for (DWORD i = 0; i < count; ++i) {
         // The property byte of each unit is read here, once, and kept.
         const WCHAR c = text[i];
         const BYTE prop = PropertyByteOf(c);
         props[i] = prop;
         Cell cls = kLineClassMap[prop & kClassBits];
+        if (cls == repeat) {
+            classes.classes[i] = repeatClass;
+            levels[i] = repeatLevel;
+            fed = i + 1;
+            continue;
+        }
         // A full stop right behind a number belongs to it, so a decimal point never separates,
         // and a run of full stops all follow the number.
         if (c == u'.' && (last == ZelBidiEN || last == ZelBidiAN)) cls = last;
@@ -255,11 +287,15 @@ unsigned ResolveLine(const WCHAR* text, DWORD count, WORD baseLevel, LineScratch
             neutral.Step(i, weakClass, settled);
             fed = i + 1;
         }
+        const bool strong = cls == ZelBidiL || cls == ZelBidiR || cls == ZelBidiAL;
+        repeat = strong ? cls : kNoRepeat;
+        repeatClass = static_cast<BYTE>(weakClass);
+        repeatLevel = levels[i];
     }
     weak.End(count, EndClass(baseLevel), classes);
     for (; fed < count; ++fed) neutral.Step(fed, classes.classes[fed], settled);
     neutral.End(count, EndClass(baseLevel), settled);
-    return settled.raised;
+    return static_cast<unsigned>(settled.raised);
 }
 
 }  // namespace zelbidi

@@ -19,30 +19,12 @@ void StoredClasses(const LineScratch& scratch, DWORD count, WORD* classes) {
     for (DWORD i = 0; i < count; ++i) classes[i] = scratch.props[i] & kClassBits;
 }
 
-// The highest level of a line: the base level and the most that was added to it.
-inline unsigned TopLevel(WORD baseLevel, unsigned raised) { return baseLevel + ((raised & 2) ? 2u : raised); }
-
-void ToDisplayOrder(WCHAR* text, DWORD count, WORD baseLevel, unsigned raised, const LineScratch& scratch,
+void ToDisplayOrder(WCHAR* out, const WCHAR* text, DWORD count, WORD baseLevel, const LineScratch& scratch,
                     WORD* levels, bool mirror) {
     const BYTE* const props = scratch.props;
-    const auto classAt = [props](DWORD i) { return WORD{static_cast<WORD>(props[i] & kClassBits)}; };
-    if (mirror) {
-        // A mirrored character is of class ON, whose level the white space step leaves alone.
-        ResolveWhitespaceWith(baseLevel, levels, count, classAt, [text, props, levels](DWORD i) {
-            if ((props[i] >> kMirroredShift) & levels[i] & 1) text[i] = MirrorOf(text[i]);
-        });
-    } else {
-        ResolveWhitespaceWith(baseLevel, levels, count, classAt, [](DWORD) {});
-    }
-    ReorderRuns(baseLevel, TopLevel(baseLevel, raised), true, text, levels, count);
-}
-
-void RedoDisplayOrder(WCHAR* text, DWORD count, WORD base, unsigned raised, const WORD* levels, bool mirror) {
-    if (mirror) {
-        for (DWORD i = 0; i < count; ++i)
-            if (levels[i] & 1) text[i] = MirrorOf(text[i]);
-    }
-    ReorderRuns(base, TopLevel(base, raised), true, text, levels, count);
+    ResolveWhitespaceWith(baseLevel, levels, count,
+                          [props](DWORD i) { return WORD{static_cast<WORD>(props[i] & kClassBits)}; });
+    ReorderInto(out, text, props, levels, count, baseLevel, mirror);
 }
 
 void StoredClasses(const WCHAR* text, DWORD count, WORD* classes) {
@@ -91,8 +73,13 @@ DWORD BidiString(WCHAR* text, DWORD count, WORD* classes, WORD* levels, int mirr
         if (classes) StoredClasses(text, count, classes);
         if (levels) std::copy(line->levels, line->levels + count, levels);
         if (!line->raised && base == 0) return count;
-        if (line->mirror == (mirror != 0)) std::copy(line->display, line->display + count, text);
-        else RedoDisplayOrder(text, count, base, line->raised, line->levels, mirror != 0);
+        if (line->mirror == (mirror != 0)) {
+            std::copy(line->display, line->display + count, text);
+        } else {
+            WCHAR display[SharedLine::kUnits];
+            RedoDisplayOrder(display, text, count, base, line->levels, mirror != 0);
+            std::copy(display, display + count, text);
+        }
         return count;
     }
 
@@ -107,13 +94,24 @@ DWORD BidiString(WCHAR* text, DWORD count, WORD* classes, WORD* levels, int mirr
     SharedLine* keep = KeepSharedLine(SharedLine::kBidiString, text, count, base);
     const unsigned raised = ResolveLine(text, count, base, scratch, levels);
     if (classes) StoredClasses(scratch, count, classes);
-    // A left-to-right line with nothing raised reads as it stands.
-    if (raised || base != 0) ToDisplayOrder(text, count, base, raised, scratch, levels, mirror != 0);
     if (keep) {
-        keep->raised = static_cast<BYTE>(raised);
+        keep->raised = raised != 0;
         keep->mirror = mirror != 0;
-        std::copy(levels, levels + count, keep->levels);
-        std::copy(text, text + count, keep->display);
     }
+    // A left-to-right line with nothing raised reads as it stands.
+    if (!raised && base == 0) {
+        if (keep) {
+            std::copy(levels, levels + count, keep->levels);
+            std::copy(text, text + count, keep->display);
+        }
+        return count;
+    }
+    // The display order goes to the shared line, or to scratch space for a long line, and back.
+    Scratch<WCHAR> displayScratch(keep ? keep->display : nullptr, count);
+    WCHAR* display = displayScratch.Get();
+    if (!display) return 0;
+    ToDisplayOrder(display, text, count, base, scratch, levels, mirror != 0);
+    std::copy(display, display + count, text);
+    if (keep) std::copy(levels, levels + count, keep->levels);
     return count;
 }

@@ -6,5 +6,5 @@ using namespace zelbidi;
 void BidiResolveWhitespace(WORD baseLevel, const WORD* classes, WORD* levels, DWORD count) {
     count = TextCount(count);
     if (!classes || !levels) return;
-    ResolveWhitespaceWith(baseLevel, levels, count, [classes](DWORD i) { return classes[i]; }, [](DWORD) {});
+    ResolveWhitespaceWith(baseLevel, levels, count, [classes](DWORD i) { return classes[i]; });
 }

@@ -32,36 +32,28 @@ DWORD ShapeString(WCHAR* destination, const WCHAR* source, DWORD count, WORD* cl
             zelshape::ShapeVisualText(destination, line->display, count, backwards);
             return count;
         }
-        Scratch<WCHAR> textScratch(nullptr, count);
-        WCHAR* visual = textScratch.Get();
-        if (!visual) {
-            destination[0] = 0;
-            return 0;
-        }
-        std::copy(source, source + count, visual);
-        RedoDisplayOrder(visual, count, base, line->raised, line->levels, mirror != 0);
+        WCHAR visual[SharedLine::kUnits];
+        RedoDisplayOrder(visual, source, count, base, line->levels, mirror != 0);
         zelshape::ShapeVisualText(destination, visual, count, backwards);
         return count;
     }
 
-    // The levels and the copy of the text lie on the stack for an ordinary line and on the heap
-    // beyond Scratch::kStackUnits units, so that a line of any length takes no more stack than
-    // that. Without memory for them the destination is left empty.
+    // The levels and the scratch space lie on the stack for an ordinary line and on the heap beyond
+    // Scratch::kStackUnits units, so that a line of any length takes no more stack than that.
+    // Without memory for them the destination is left empty.
     Scratch<WORD> levelScratch(levels, count);
-    Scratch<WCHAR> textScratch(nullptr, count);
     LineScratch scratch(count);
     levels = levelScratch.Get();
-    WCHAR* visual = textScratch.Get();
-    if (!levels || !visual || !scratch.props || !scratch.classes) {
+    if (!levels || !scratch.props || !scratch.classes) {
         destination[0] = 0;
         return 0;
     }
 
     SharedLine* keep = KeepSharedLine(SharedLine::kShapeString, source, count, base);
-    const unsigned raised = ResolveLine(source, count, base, scratch, levels);
+    const bool raised = ResolveLine(source, count, base, scratch, levels) != 0;
     if (classes) StoredClasses(scratch, count, classes);
     if (keep) {
-        keep->raised = static_cast<BYTE>(raised);
+        keep->raised = raised;
         keep->mirror = mirror != 0;
     }
 
@@ -76,12 +68,15 @@ DWORD ShapeString(WCHAR* destination, const WCHAR* source, DWORD count, WORD* cl
         return count;
     }
 
-    std::copy(source, source + count, visual);
-    ToDisplayOrder(visual, count, base, raised, scratch, levels, mirror != 0);
-    if (keep) {
-        std::copy(levels, levels + count, keep->levels);
-        std::copy(visual, visual + count, keep->display);
+    // The display order goes straight to the shared line, or to scratch space for a long line.
+    Scratch<WCHAR> visualScratch(keep ? keep->display : nullptr, count);
+    WCHAR* visual = visualScratch.Get();
+    if (!visual) {
+        destination[0] = 0;
+        return 0;
     }
+    ToDisplayOrder(visual, source, count, base, scratch, levels, mirror != 0);
+    if (keep) std::copy(levels, levels + count, keep->levels);
     // A right-to-left line is written from its rightmost character on.
     zelshape::ShapeVisualText(destination, visual, count, backwards);
     return count;
