@@ -38,6 +38,11 @@ void BidiResolveNeutral(WORD baseLevel, WORD* classes, DWORD count);
 void ReorderInto(WCHAR* out, const WCHAR* text, const BYTE* props, const WORD* levels, DWORD count, WORD baseLevel,
                  bool mirror);
 
+// The classes that the white space step does more with than with white space and the rest: BN,
+// the separators and the explicit controls.
+constexpr DWORD kWhitespaceFew = 1u << ZelBidiBN | 1u << ZelBidiS | 1u << ZelBidiB | 1u << ZelBidiRLE |
+                                 1u << ZelBidiRLO | 1u << ZelBidiLRO | 1u << ZelBidiLRE | 1u << ZelBidiPDF;
+
 // The white space step: trailing white space and white space in front of a segment or paragraph
 // separator go back to the base level, a BN takes the level before it. classAt(i) gives the
 // stored class of position i.
@@ -52,9 +57,7 @@ void ResolveWhitespaceWith(WORD baseLevel, WORD* levels, DWORD count, ClassAt cl
         const WORD cls = classAt(i);
         // BN, the separators, the explicit controls and skipped positions are few; white space
         // and everything else, the most of a line, go without a branch on the class.
-        constexpr DWORD kFew = 1u << ZelBidiBN | 1u << ZelBidiS | 1u << ZelBidiB | 1u << ZelBidiRLE |
-                               1u << ZelBidiRLO | 1u << ZelBidiLRO | 1u << ZelBidiLRE | 1u << ZelBidiPDF;
-        if (!(cls < 32 ? (kFew >> cls) & 1 : cls == kSkip)) {
+        if (!(cls < 32 ? (kWhitespaceFew >> cls) & 1 : cls == kSkip)) {
             run = cls == ZelBidiWS ? run + 1 : 0;
             previous = levels[i];
             continue;
@@ -127,6 +130,9 @@ public:
 
     BYTE* props;    // null when there was no memory for them
     BYTE* classes;
+    // Set by ResolveLine when the line holds a BN, a separator or an explicit control: without
+    // them the white space step only puts trailing white space back to the base level.
+    bool separators = false;
 
 private:
     Scratch<BYTE> propScratch_;

@@ -12,9 +12,116 @@
 #include <zel/bidi.h>
 
 #include "bidi/bidi_internal.h"
+#include "bidi/bidi_tables.h"
 #include "bidi/shaping_internal.h"
 
 namespace zelbidi::reference {
+
+// Writes value into the run count positions in front of index, from the nearest one backwards,
+// passing over skipped positions, and empties the run.
+inline void FillRun(WORD* classes, DWORD index, DWORD& run, WORD value) {
+    while (run > 0 && index > 0) {
+        --index;
+        if (classes[index] == kSkip) continue;
+        classes[index] = value;
+        --run;
+    }
+    run = 0;
+}
+
+inline WORD DirectionOf(WORD level) { return (level & 1) ? ZelBidiR : ZelBidiL; }
+
+// The weak step (neutral false) or the neutral step (neutral true), straight from the tables.
+inline void ResolveRuns(bool neutral, WORD base, WORD* classes, const WORD* levels, DWORD count) {
+    int state = neutral ? ((base & 1) ? 0 : 1) : ((base & 1) ? 1 : 2);
+    WORD level = base;
+    DWORD run = 0;
+    const auto fillOf = [&](WORD action) -> WORD {
+        const WORD fill = (action >> 4) & 0xF;
+        if (neutral) return fill == 0 ? kSkip : fill == 3 ? DirectionOf(level) : fill;
+        return fill == 0xF ? kSkip : fill;
+    };
+    for (DWORD i = 0; i < count; ++i) {
+        const WORD cls = classes[i];
+        if (cls == kSkip) continue;
+        if (cls == ZelBidiBN) {
+            if (run > 0) ++run;
+            continue;
+        }
+        const int columns = neutral ? kNeutralColumns : kWeakColumns;
+        const int column = cls < columns ? cls : int{ZelBidiON};
+        const WORD action = neutral ? kNeutralActionTbl[state][column] : kWeakActionTbl[state][column];
+        const WORD fill = fillOf(action);
+        if (fill != kSkip) FillRun(classes, i, run, fill);
+        const WORD take = action & 0xF;
+        if (neutral ? take != 0 : take != 0xF) classes[i] = take;
+        if (action & 0x100) ++run;
+        state = neutral ? kNeutralStateTbl[state][column] : kWeakStateTbl[state][column];
+        if (neutral) level = levels[i];
+    }
+    const WORD end = neutral ? kNeutralActionTbl[state][DirectionOf(level)] : kWeakActionTbl[state][DirectionOf(base)];
+    const WORD fill = fillOf(end);
+    if (fill != kSkip) FillRun(classes, count, run, fill);
+}
+
+inline DWORD BidiAlgorithm(LONG baseLevel, DWORD count, WORD* classes, WORD* levels, DWORD* raised) {
+    count = TextCount(count);
+    if ((!classes || !levels) && count) {
+        if (raised) *raised = 0;
+        return 0;
+    }
+    const WORD base = static_cast<WORD>(baseLevel);
+    for (DWORD i = 0; i < count; ++i)
+        if (classes[i] == ZelBidiB) classes[i] = ZelBidiBN;
+    for (DWORD i = 0; i < count; ++i) {
+        if (classes[i] == kSkip) continue;
+        if (classes[i] >= ZelBidiRLE && classes[i] <= ZelBidiPDF) classes[i] = ZelBidiBN;
+        levels[i] = base;
+    }
+    ResolveRuns(false, base, classes, levels, count);
+    ResolveRuns(true, base, classes, levels, count);
+    DWORD up = 0;
+    for (DWORD i = 0; i < count; ++i) {
+        const WORD cls = classes[i];
+        if (cls == ZelBidiBN || cls == kSkip) continue;
+        const BYTE add = cls < kNeutralColumns ? kImplicitTbl[levels[i] & 1][cls] : 0;
+        levels[i] = static_cast<WORD>(levels[i] + add);
+        if (add != 0) up = 1;
+    }
+    if (raised) *raised = up;
+    return count;
+}
+
+inline void ResolveWhitespace(WORD baseLevel, const WORD* classes, WORD* levels, DWORD count) {
+    count = TextCount(count);
+    if (!classes || !levels) return;
+    DWORD run = 0;
+    WORD previous = baseLevel;
+    const auto reset = [&](DWORD index) {
+        for (DWORD k = index - run; k < index; ++k) levels[k] = baseLevel;
+    };
+    for (DWORD i = 0; i < count; ++i) {
+        const WORD cls = classes[i];
+        if (cls == kSkip) {
+            ++run;
+            continue;
+        }
+        if (cls == ZelBidiBN) {
+            levels[i] = previous;
+            ++run;
+        } else if (cls == ZelBidiWS) {
+            ++run;
+        } else if (cls == ZelBidiS || cls == ZelBidiB) {
+            reset(i);
+            levels[i] = baseLevel;
+            run = 0;
+        } else if (cls < ZelBidiRLE || cls > ZelBidiPDF) {
+            run = 0;
+        }
+        previous = levels[i];
+    }
+    reset(count);
+}
 
 inline void Classify(const WCHAR* text, DWORD count, WORD* classes, ClassMode mode) {
     if (mode == ClassMode::Raw) {
@@ -55,14 +162,14 @@ inline void Reorder(WORD baseLevel, WCHAR* text, const WORD* levels, DWORD count
 inline bool ResolveLine(const WCHAR* text, DWORD count, WORD baseLevel, WORD* classes, WORD* levels) {
     Classify(text, count, classes, ClassMode::Resolve);
     DWORD raised = 0;
-    BidiAlgorithm(baseLevel, text, count, classes, levels, &raised);
+    BidiAlgorithm(baseLevel, count, classes, levels, &raised);
     Classify(text, count, classes, ClassMode::Raw);
     return raised != 0;
 }
 
 inline void ToDisplayOrder(WCHAR* text, DWORD count, WORD baseLevel, const WORD* classes, WORD* levels,
                            bool mirror) {
-    BidiResolveWhitespace(baseLevel, classes, levels, count);
+    ResolveWhitespace(baseLevel, classes, levels, count);
     if (mirror) MirrorText(text, levels, count);
     Reorder(baseLevel, text, levels, count);
 }

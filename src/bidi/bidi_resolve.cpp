@@ -258,6 +258,7 @@ unsigned ResolveLine(const WCHAR* text, DWORD count, WORD baseLevel, LineScratch
     Machine neutral = NeutralMachine(baseLevel, true);
     DWORD fed = 0;  // the positions before fed have gone through the neutral step
     Cell last = ZelBidiON;
+    DWORD separators = 0;
     // Behind a strong class (L, R, AL) both machines are in a state that the same class leaves as
     // it is, with no run open: the rest of a word of that class takes the class and level of its
     // first letter and needs neither machine.
@@ -270,6 +271,7 @@ unsigned ResolveLine(const WCHAR* text, DWORD count, WORD baseLevel, LineScratch
         const WCHAR c = text[i];
         const BYTE prop = PropertyByteOf(c);
         props[i] = prop;
+        separators |= (kWhitespaceFew >> (prop & kClassBits)) & 1;
         Cell cls = kLineClassMap[prop & kClassBits];
         if (cls == repeat) {
             classes.classes[i] = repeatClass;
@@ -295,6 +297,7 @@ unsigned ResolveLine(const WCHAR* text, DWORD count, WORD baseLevel, LineScratch
     weak.End(count, EndClass(baseLevel), classes);
     for (; fed < count; ++fed) neutral.Step(fed, classes.classes[fed], settled);
     neutral.End(count, EndClass(baseLevel), settled);
+    scratch.separators = separators != 0;
     return static_cast<unsigned>(settled.raised);
 }
 

@@ -22,8 +22,12 @@ void StoredClasses(const LineScratch& scratch, DWORD count, WORD* classes) {
 void ToDisplayOrder(WCHAR* out, const WCHAR* text, DWORD count, WORD baseLevel, const LineScratch& scratch,
                     WORD* levels, bool mirror) {
     const BYTE* const props = scratch.props;
-    ResolveWhitespaceWith(baseLevel, levels, count,
-                          [props](DWORD i) { return WORD{static_cast<WORD>(props[i] & kClassBits)}; });
+    if (scratch.separators) {
+        ResolveWhitespaceWith(baseLevel, levels, count,
+                              [props](DWORD i) { return WORD{static_cast<WORD>(props[i] & kClassBits)}; });
+    } else {
+        for (DWORD i = count; i > 0 && (props[i - 1] & kClassBits) == ZelBidiWS; --i) levels[i - 1] = baseLevel;
+    }
     ReorderInto(out, text, props, levels, count, baseLevel, mirror);
 }
 
