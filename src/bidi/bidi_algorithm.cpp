@@ -5,9 +5,23 @@
 
 namespace zelbidi {
 
-namespace {
+bool BidiStartLevels(WORD base, DWORD count, WORD* classes, WORD* levels, DWORD* raised) {
+    if ((!classes || !levels) && count) {
+        if (raised) *raised = 0;
+        return false;
+    }
+    // A paragraph separator ends nothing here: the caller hands over one line at a time.
+    for (DWORD i = 0; i < count; ++i)
+        if (classes[i] == ZelBidiB) classes[i] = ZelBidiBN;
+    // No embedding is acted on: the explicit controls drop out and every level starts at the base.
+    for (DWORD i = 0; i < count; ++i) {
+        if (classes[i] == kSkip) continue;
+        if (classes[i] >= ZelBidiRLE && classes[i] <= ZelBidiPDF) classes[i] = ZelBidiBN;
+        levels[i] = base;
+    }
+    return true;
+}
 
-// Gives 1 when some level was raised.
 DWORD BidiResolveImplicit(const WORD* classes, WORD* levels, DWORD count) {
     DWORD raised = 0;
     for (DWORD i = 0; i < count; ++i) {
@@ -20,8 +34,6 @@ DWORD BidiResolveImplicit(const WORD* classes, WORD* levels, DWORD count) {
     return raised;
 }
 
-}  // namespace
-
 }  // namespace zelbidi
 
 using namespace zelbidi;
@@ -29,20 +41,8 @@ using namespace zelbidi;
 DWORD BidiAlgorithm(LONG baseLevel, const WCHAR* /*text*/, DWORD count, WORD* classes, WORD* levels,
                     DWORD* raised) {
     count = TextCount(count);
-    if ((!classes || !levels) && count) {
-        if (raised) *raised = 0;
-        return 0;
-    }
     const WORD base = static_cast<WORD>(baseLevel);
-    // A paragraph separator ends nothing here: the caller hands over one line at a time.
-    for (DWORD i = 0; i < count; ++i)
-        if (classes[i] == ZelBidiB) classes[i] = ZelBidiBN;
-    // No embedding is acted on: the explicit controls drop out and every level starts at the base.
-    for (DWORD i = 0; i < count; ++i) {
-        if (classes[i] == kSkip) continue;
-        if (classes[i] >= ZelBidiRLE && classes[i] <= ZelBidiPDF) classes[i] = ZelBidiBN;
-        levels[i] = base;
-    }
+    if (!BidiStartLevels(base, count, classes, levels, raised)) return 0;
     BidiResolveWeak(base, classes, count);
     BidiResolveNeutral(base, classes, count);
     const DWORD up = BidiResolveImplicit(classes, levels, count);

@@ -26,6 +26,11 @@ enum class ClassMode {
     Raw,      // the classes as stored: white space, separators and explicit controls stay apart
 };
 
+// The first steps of BidiAlgorithm: paragraph separators and explicit controls become BN and every
+// level the base level. False, with *raised 0 where raised isn't null, when an array is missing.
+bool BidiStartLevels(WORD base, DWORD count, WORD* classes, WORD* levels, DWORD* raised);
+// The last one: adds to each level by its resolved class. Gives 1 when some level was raised.
+DWORD BidiResolveImplicit(const WORD* classes, WORD* levels, DWORD count);
 // The weak and the neutral step of BidiAlgorithm, after the explicit controls and separators
 // became BN, when every level is the base level.
 void BidiResolveWeak(WORD baseLevel, WORD* classes, DWORD count);
@@ -174,6 +179,38 @@ const SharedLine* TakeSharedLine(SharedLine::Owner asker, const WCHAR* text, DWO
 // Keeps a line for the other call, the logical text and base level first: the caller fills the rest.
 // Null, and nothing kept, for a line longer than SharedLine::kUnits.
 SharedLine* KeepSharedLine(SharedLine::Owner owner, const WCHAR* text, DWORD count, WORD base);
+// A line that neither BidiString nor ShapeString had: resolved, kept for the other call when it is
+// short enough, and put into display order. Its arrays lie on the stack for a line of up to
+// Scratch::kStackUnits units and on the heap beyond.
+class DisplayLine {
+public:
+    // classes and levels are the caller's arrays, or null.
+    DisplayLine(SharedLine::Owner owner, const WCHAR* text, DWORD count, WORD base, WORD* classes, WORD* levels,
+                bool mirror);
+    DisplayLine(const DisplayLine&) = delete;
+    DisplayLine& operator=(const DisplayLine&) = delete;
+
+    // True when there was no memory for the arrays of a long line, and nothing was done.
+    bool Failed() const { return failed_; }
+    // The text in display order; null where it reads as it stands, when no level was raised at
+    // base level 0.
+    const WCHAR* Display() const { return display_; }
+
+private:
+    SharedLine* keep_;
+    Scratch<WORD> levelScratch_;
+    LineScratch scratch_;
+    Scratch<WCHAR> displayScratch_;
+    const WCHAR* display_ = nullptr;
+    bool failed_ = false;
+};
+
+// What a line kept by the other call gives: the caller's classes and levels when they aren't null,
+// and the display order, from the shared line, or made again into redo (SharedLine::kUnits units)
+// for the other mirror flag; null where the line reads as it stands.
+const WCHAR* SharedDisplay(const SharedLine& line, const WCHAR* text, WORD* classes, WORD* levels, bool mirror,
+                           WCHAR* redo);
+
 // The stored classes of a text, for a caller's array.
 void StoredClasses(const WCHAR* text, DWORD count, WORD* classes);
 // The display order of a line resolved before from its levels, to out.

@@ -64,30 +64,14 @@ inline void ResolveRuns(bool neutral, WORD base, WORD* classes, const WORD* leve
     if (fill != kSkip) FillRun(classes, count, run, fill);
 }
 
+// The first and last steps are the library's own, which haven't changed.
 inline DWORD BidiAlgorithm(LONG baseLevel, DWORD count, WORD* classes, WORD* levels, DWORD* raised) {
     count = TextCount(count);
-    if ((!classes || !levels) && count) {
-        if (raised) *raised = 0;
-        return 0;
-    }
     const WORD base = static_cast<WORD>(baseLevel);
-    for (DWORD i = 0; i < count; ++i)
-        if (classes[i] == ZelBidiB) classes[i] = ZelBidiBN;
-    for (DWORD i = 0; i < count; ++i) {
-        if (classes[i] == kSkip) continue;
-        if (classes[i] >= ZelBidiRLE && classes[i] <= ZelBidiPDF) classes[i] = ZelBidiBN;
-        levels[i] = base;
-    }
+    if (!BidiStartLevels(base, count, classes, levels, raised)) return 0;
     ResolveRuns(false, base, classes, levels, count);
     ResolveRuns(true, base, classes, levels, count);
-    DWORD up = 0;
-    for (DWORD i = 0; i < count; ++i) {
-        const WORD cls = classes[i];
-        if (cls == ZelBidiBN || cls == kSkip) continue;
-        const BYTE add = cls < kNeutralColumns ? kImplicitTbl[levels[i] & 1][cls] : 0;
-        levels[i] = static_cast<WORD>(levels[i] + add);
-        if (add != 0) up = 1;
-    }
+    const DWORD up = BidiResolveImplicit(classes, levels, count);
     if (raised) *raised = up;
     return count;
 }

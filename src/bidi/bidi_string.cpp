@@ -62,6 +62,45 @@ SharedLine* KeepSharedLine(SharedLine::Owner owner, const WCHAR* text, DWORD cou
     return &line;
 }
 
+const WCHAR* SharedDisplay(const SharedLine& line, const WCHAR* text, WORD* classes, WORD* levels, bool mirror,
+                           WCHAR* redo) {
+    const DWORD count = line.count;
+    if (classes) StoredClasses(text, count, classes);
+    if (levels) std::copy(line.levels, line.levels + count, levels);
+    if (!line.raised && line.base == 0) return nullptr;
+    if (line.mirror == mirror) return line.display;
+    RedoDisplayOrder(redo, text, count, line.base, line.levels, mirror);
+    return redo;
+}
+
+DisplayLine::DisplayLine(SharedLine::Owner owner, const WCHAR* text, DWORD count, WORD base, WORD* classes,
+                         WORD* levels, bool mirror)
+    : keep_(KeepSharedLine(owner, text, count, base)),
+      levelScratch_(levels, count),
+      scratch_(count),
+      displayScratch_(keep_ ? keep_->display : nullptr, count) {
+    levels = levelScratch_.Get();
+    WCHAR* const display = displayScratch_.Get();
+    if (!levels || !scratch_.props || !scratch_.classes || !display) {
+        if (keep_) keep_->owner = SharedLine::kNone;
+        failed_ = true;
+        return;
+    }
+    const bool raised = ResolveLine(text, count, base, scratch_, levels) != 0;
+    if (classes) StoredClasses(scratch_, count, classes);
+    if (raised || base != 0) {
+        ToDisplayOrder(display, text, count, base, scratch_, levels, mirror);
+        display_ = display;
+    } else if (keep_) {
+        std::copy(text, text + count, keep_->display);
+    }
+    if (keep_) {
+        keep_->raised = raised;
+        keep_->mirror = mirror;
+        std::copy(levels, levels + count, keep_->levels);
+    }
+}
+
 }  // namespace zelbidi
 
 using namespace zelbidi;
@@ -73,49 +112,16 @@ DWORD BidiString(WCHAR* text, DWORD count, WORD* classes, WORD* levels, int mirr
     const WORD base = direction == 1 ? 1 : 0;
 
     // The line that ShapeString has just resolved: its levels and display order serve again.
-    if (const SharedLine* line = TakeSharedLine(SharedLine::kBidiString, text, count, base)) {
-        if (classes) StoredClasses(text, count, classes);
-        if (levels) std::copy(line->levels, line->levels + count, levels);
-        if (!line->raised && base == 0) return count;
-        if (line->mirror == (mirror != 0)) {
-            std::copy(line->display, line->display + count, text);
-        } else {
-            WCHAR display[SharedLine::kUnits];
-            RedoDisplayOrder(display, text, count, base, line->levels, mirror != 0);
-            std::copy(display, display + count, text);
-        }
+    if (const SharedLine* shared = TakeSharedLine(SharedLine::kBidiString, text, count, base)) {
+        WCHAR redo[SharedLine::kUnits];
+        const WCHAR* display = SharedDisplay(*shared, text, classes, levels, mirror != 0, redo);
+        if (display) std::copy(display, display + count, text);
         return count;
     }
 
-    // The levels array, when the caller doesn't give one, and the scratch space lie on the stack
-    // for a line of up to Scratch::kStackUnits (1024) units and on the heap for a longer one.
-    // Without memory for them the line is left as it is.
-    Scratch<WORD> levelScratch(levels, count);
-    LineScratch scratch(count);
-    levels = levelScratch.Get();
-    if (!levels || !scratch.props || !scratch.classes) return 0;
-
-    SharedLine* keep = KeepSharedLine(SharedLine::kBidiString, text, count, base);
-    const unsigned raised = ResolveLine(text, count, base, scratch, levels);
-    if (classes) StoredClasses(scratch, count, classes);
-    if (keep) {
-        keep->raised = raised != 0;
-        keep->mirror = mirror != 0;
-    }
+    const DisplayLine line(SharedLine::kBidiString, text, count, base, classes, levels, mirror != 0);
+    if (line.Failed()) return 0;
     // A left-to-right line with nothing raised reads as it stands.
-    if (!raised && base == 0) {
-        if (keep) {
-            std::copy(levels, levels + count, keep->levels);
-            std::copy(text, text + count, keep->display);
-        }
-        return count;
-    }
-    // The display order goes to the shared line, or to scratch space for a long line, and back.
-    Scratch<WCHAR> displayScratch(keep ? keep->display : nullptr, count);
-    WCHAR* display = displayScratch.Get();
-    if (!display) return 0;
-    ToDisplayOrder(display, text, count, base, scratch, levels, mirror != 0);
-    std::copy(display, display + count, text);
-    if (keep) std::copy(levels, levels + count, keep->levels);
+    if (line.Display()) std::copy(line.Display(), line.Display() + count, text);
     return count;
 }
