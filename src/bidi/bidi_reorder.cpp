@@ -58,11 +58,28 @@ template <bool kMirror>
 void TurnRun(WCHAR* out, const WCHAR* text, const BYTE* props, const WORD* levels, DWORD start, DWORD end,
              unsigned lowest) {
     WCHAR* const turn = out + start + end - 1;
-    for (DWORD j = start; j < end; ++j) {
-        WCHAR c = text[j];
-        // Only the units at the lowest odd level have an odd level.
-        if (kMirror && (!props || (props[j] >> kMirroredShift)) && levels[j] == lowest) c = MirrorOf(c);
-        *(turn - j) = c;
+    DWORD j = start;
+    for (; end - j >= 4; j += 4) {
+        uint64_t four;
+        std::memcpy(&four, text + j, sizeof four);
+        four = Reversed4(four);
+        std::memcpy(turn - j - 3, &four, sizeof four);
+    }
+    for (; j < end; ++j) *(turn - j) = text[j];
+    // Only the units at the lowest odd level have an odd level. Mirrored characters are few: the
+    // property bytes are looked through eight at a time.
+    if (kMirror) {
+        for (j = start; j < end; ++j) {
+            if (props && end - j >= 8) {
+                uint64_t eight;
+                std::memcpy(&eight, props + j, sizeof eight);
+                if (!(eight & 0x8080808080808080ull)) {
+                    j += 7;
+                    continue;
+                }
+            }
+            if ((!props || (props[j] >> kMirroredShift)) && levels[j] == lowest) *(turn - j) = MirrorOf(text[j]);
+        }
     }
     for (DWORD j = Scan<false>(levels, start, end, lowest); j < end; j = Scan<false>(levels, j, end, lowest)) {
         const DWORD higher = j;

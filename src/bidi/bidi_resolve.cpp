@@ -263,6 +263,7 @@ unsigned ResolveLine(const WCHAR* text, DWORD count, WORD baseLevel, LineScratch
     // it is, with no run open: the rest of a word of that class takes the class and level of its
     // first letter and needs neither machine.
     constexpr Cell kNoRepeat = 0xFF;
+    constexpr DWORD kStrong = 1u << ZelBidiL | 1u << ZelBidiR | 1u << ZelBidiAL;
     Cell repeat = kNoRepeat;
     BYTE repeatClass = 0;
     WORD repeatLevel = 0;
@@ -271,7 +272,6 @@ unsigned ResolveLine(const WCHAR* text, DWORD count, WORD baseLevel, LineScratch
         const WCHAR c = text[i];
         const BYTE prop = PropertyByteOf(c);
         props[i] = prop;
-        separators |= (kWhitespaceFew >> (prop & kClassBits)) & 1;
         Cell cls = kLineClassMap[prop & kClassBits];
         if (cls == repeat) {
             classes.classes[i] = repeatClass;
@@ -279,6 +279,7 @@ unsigned ResolveLine(const WCHAR* text, DWORD count, WORD baseLevel, LineScratch
             fed = i + 1;
             continue;
         }
+        separators |= (kWhitespaceFew >> (prop & kClassBits)) & 1;
         // A full stop right behind a number belongs to it, so a decimal point never separates,
         // and a run of full stops all follow the number.
         if (c == u'.' && (last == ZelBidiEN || last == ZelBidiAN)) cls = last;
@@ -289,8 +290,7 @@ unsigned ResolveLine(const WCHAR* text, DWORD count, WORD baseLevel, LineScratch
             neutral.Step(i, weakClass, settled);
             fed = i + 1;
         }
-        const bool strong = cls == ZelBidiL || cls == ZelBidiR || cls == ZelBidiAL;
-        repeat = strong ? cls : kNoRepeat;
+        repeat = (kStrong >> cls) & 1 ? cls : kNoRepeat;
         repeatClass = static_cast<BYTE>(weakClass);
         repeatLevel = levels[i];
     }
