@@ -35,30 +35,36 @@ DWORD Walk(WCHAR* destination, const WCHAR* source, DWORD count) {
     DWORD written = 0;
     WCHAR behind = kNoBase;
     WORD behindType = kJoinNone;
+    // The step of the base character a letter found ahead, and its joining type: when the walk
+    // gets there, both are known.
+    DWORD aheadStep = count;
+    WORD aheadType = kJoinNone;
     for (DWORD step = 0; step < count; ++step) {
         const DWORD index = kBackwards ? count - 1 - step : step;
         const WCHAR c = source[index];
         if (IsArabicBlock(c)) {
-            const WORD type = JoiningOf(c);
+            const WORD type = step == aheadStep ? aheadType : JoiningOf(c);
             if (type != kJoinDual && type != kJoinRight) {
                 // Form 0; neither a lam nor an alef of a ligature.
                 destination[written++] = ShapeOf(static_cast<BYTE>(c & 0xFF), kIsolated);
-                if (!IsMark(c)) {
+                if (step == aheadStep || !IsMark(c)) {
                     behind = c;
                     behindType = type;
                 }
                 continue;
             }
             WCHAR ahead = kNoBase;
+            aheadStep = count;
             for (DWORD k = step + 1; k < count; ++k) {
                 const WCHAR n = source[kBackwards ? count - 1 - k : k];
                 if (!IsMark(n)) {
                     ahead = n;
+                    aheadStep = k;
                     break;
                 }
             }
             if (behindType == kUnknown) behindType = JoiningOf(behind);
-            const WORD aheadType = JoiningOf(ahead);
+            aheadType = JoiningOf(ahead);
             const WCHAR lower = kBackwards ? ahead : behind;
             const WCHAR higher = kBackwards ? behind : ahead;
             const int form = kBackwards ? FormOf(type, aheadType, behindType) : FormOf(type, behindType, aheadType);
