@@ -259,11 +259,10 @@ unsigned ResolveLine(const WCHAR* text, DWORD count, WORD baseLevel, LineScratch
     DWORD fed = 0;  // the positions before fed have gone through the neutral step
     Cell last = ZelBidiON;
     DWORD separators = 0;
-    // Behind a strong class (L, R, AL) both machines are in a state that the same class leaves as
-    // it is, with no run open: the rest of a word of that class takes the class and level of its
-    // first letter and needs neither machine.
+    // Where a position left both machines in the state they were in, with no run open, the next
+    // position of the same class does the same: a word of letters or a number after its first
+    // unit takes the class and level of the unit before it and needs neither machine.
     constexpr Cell kNoRepeat = 0xFF;
-    constexpr DWORD kStrong = 1u << ZelBidiL | 1u << ZelBidiR | 1u << ZelBidiAL;
     Cell repeat = kNoRepeat;
     BYTE repeatClass = 0;
     WORD repeatLevel = 0;
@@ -284,15 +283,20 @@ unsigned ResolveLine(const WCHAR* text, DWORD count, WORD baseLevel, LineScratch
         // and a run of full stops all follow the number.
         if (c == u'.' && (last == ZelBidiEN || last == ZelBidiAN)) cls = last;
         last = cls;
+        const Cell weakRow = weak.row;
         const Cell weakClass = weak.Step(i, cls, classes);
+        repeat = kNoRepeat;
         if (weak.run == 0) {
             for (; fed < i; ++fed) neutral.Step(fed, classes.classes[fed], settled);
+            const Cell neutralRow = neutral.row;
             neutral.Step(i, weakClass, settled);
             fed = i + 1;
+            if (weak.row == weakRow && neutral.row == neutralRow && neutral.run == 0) {
+                repeat = cls;
+                repeatClass = static_cast<BYTE>(weakClass);
+                repeatLevel = levels[i];
+            }
         }
-        repeat = (kStrong >> cls) & 1 ? cls : kNoRepeat;
-        repeatClass = static_cast<BYTE>(weakClass);
-        repeatLevel = levels[i];
     }
     weak.End(count, EndClass(baseLevel), classes);
     for (; fed < count; ++fed) neutral.Step(fed, classes.classes[fed], settled);
