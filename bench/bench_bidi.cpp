@@ -1,7 +1,8 @@
-// Bidi and Arabic shaping against FriBidi and ICU, on lines of 16 to 4096 units of mixed Arabic,
-// Latin and digits, the same on every run. After the runs a table gives our time divided by each
-// peer's for every length (below 1: ours is faster), and our time per unit, which stays flat when
-// the cost grows linearly with the length.
+// Bidi and Arabic shaping against FriBidi and ICU, on lines of mixed Arabic, Latin and digits, the
+// same on every run. After the runs a table gives our time divided by each peer's at every length
+// from 16 to 4096 units (below 1: ours is faster), then the goals at 1024 units with the ratio
+// beside each and a mark where it is met, then our cost per unit from 16 units to a million, which
+// stays flat when the cost grows linearly with the length and a short line pays no fixed price.
 #include <zel/bidi.h>
 
 #include <benchmark/benchmark.h>
@@ -9,34 +10,35 @@
 #include <unicode/ubidi.h>
 #include <unicode/ushape.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <map>
 #include <string>
 #include <vector>
 
+#include "bench_random.h"
 #include "ratio_reporter.h"
 
 namespace {
 
-const int kLengths[] = {16, 64, 256, 1024, 4096};
+// Lengths at which ours and the peers run, and those at which ours alone runs.
+const int kPeerLengths[] = {16, 64, 256, 1024, 4096};
+const int kLongLengths[] = {65536, 1048576};
+constexpr int kGoalLength = 1024;
 
 // Words of Arabic letters, Latin letters and digits, with blanks and a little punctuation.
 std::u16string MixedLine(size_t length) {
-    uint64_t state = 0xB1D1ull;
-    auto next = [&state](uint32_t bound) {
-        state = state * 6364136223846793005ull + 1442695040888963407ull;
-        return static_cast<uint32_t>((state >> 33) % bound);
-    };
+    Random random(0xB1D1ull);
     std::u16string line;
     while (line.size() < length) {
-        const uint32_t kind = next(10), size = 2 + next(6);
+        const uint32_t kind = random.Next(10), size = 2 + random.Next(6);
         for (uint32_t i = 0; i < size; ++i) {
-            if (kind < 5) line += static_cast<char16_t>(0x0628 + next(0x0641 - 0x0628));  // Arabic letters
-            else if (kind < 8) line += static_cast<char16_t>(u'a' + next(26));
-            else line += static_cast<char16_t>(u'0' + next(10));
+            if (kind < 5) line += static_cast<char16_t>(0x0628 + random.Next(0x0641 - 0x0628));  // Arabic letters
+            else if (kind < 8) line += static_cast<char16_t>(u'a' + random.Next(26));
+            else line += static_cast<char16_t>(u'0' + random.Next(10));
         }
-        line += next(8) == 0 ? u", " : u" ";
+        line += random.Next(8) == 0 ? u", " : u" ";
     }
     line.resize(length);
     return line;
@@ -58,6 +60,20 @@ void OursShape(benchmark::State& state, const std::u16string& line) {
     std::vector<WCHAR> out(line.size() + 1);
     for (auto _ : state) {
         ShapeString(out.data(), line.data(), static_cast<DWORD>(line.size()), nullptr, nullptr, 1, 1);
+        benchmark::DoNotOptimize(out.data());
+    }
+}
+
+// A caller that wants both the display order and the presentation forms of each line.
+void OursBoth(benchmark::State& state, const std::u16string& line) {
+    std::u16string text = line;
+    std::vector<WORD> levels(line.size());
+    std::vector<WCHAR> out(line.size() + 1);
+    for (auto _ : state) {
+        text = line;
+        BidiString(text.data(), static_cast<DWORD>(text.size()), nullptr, levels.data(), 1, 1);
+        ShapeString(out.data(), line.data(), static_cast<DWORD>(line.size()), nullptr, nullptr, 1, 1);
+        benchmark::DoNotOptimize(text.data());
         benchmark::DoNotOptimize(out.data());
     }
 }
@@ -93,18 +109,61 @@ void IcuBidi(benchmark::State& state, const std::u16string& line, bool shape) {
     ubidi_close(bidi);
 }
 
-// Bidi and shaping against both peers at each line length, and ours in ns per unit.
+std::string At(const char* name, int length) { return std::string(name) + "/" + std::to_string(length); }
+
+// Bidi and shaping against both peers at each length.
 void PrintRatios(const RatioReporter& reporter) {
-    printf("\nOur time / peer's time (below 1: ours is faster); ours in ns per unit\n");
-    printf("%8s %14s %14s %14s %14s %12s %12s\n", "length", "bidi/FriBidi", "bidi/ICU", "shape/FriBidi",
-           "shape/ICU", "bidi ns/u", "shape ns/u");
-    for (int length : kLengths) {
-        const std::string n = "/" + std::to_string(length);
-        const double bidi = reporter.Time("BidiString" + n), shape = reporter.Time("ShapeString" + n);
-        const double fribidi = reporter.Time("fribidi_log2vis" + n), icu = reporter.Time("ICU ubidi" + n),
-                     icuShape = reporter.Time("ICU u_shapeArabic+ubidi" + n);
-        printf("%8d %14.3f %14.3f %14.3f %14.3f %12.2f %12.2f\n", length, bidi / fribidi, bidi / icu,
-               shape / fribidi, shape / icuShape, bidi / length, shape / length);
+    printf("\nOur time / peer's time (below 1: ours is faster)\n");
+    printf("%8s %14s %14s %14s %14s %14s %14s\n", "length", "bidi/FriBidi", "bidi/ICU", "shape/FriBidi",
+           "shape/ICU", "both/FriBidi", "both/ICU");
+    for (int length : kPeerLengths) {
+        const double bidi = reporter.Time(At("BidiString", length)), shape = reporter.Time(At("ShapeString", length)),
+                     both = reporter.Time(At("BidiString+ShapeString", length));
+        const double fribidi = reporter.Time(At("fribidi_log2vis", length)),
+                     icu = reporter.Time(At("ICU ubidi", length)),
+                     icuShape = reporter.Time(At("ICU u_shapeArabic+ubidi", length));
+        printf("%8d %14.3f %14.3f %14.3f %14.3f %14.3f %14.3f\n", length, bidi / fribidi, bidi / icu,
+               shape / fribidi, shape / icuShape, both / fribidi, both / icuShape);
+    }
+}
+
+// The goals at lines of 1024 units, each with its ratio and a mark when it is met.
+void PrintGoals(const RatioReporter& reporter) {
+    struct Goal { const char* what; const char* ours; const char* peer; double goal; };
+    const Goal goals[] = {
+        {"BidiString / ICU ubidi", "BidiString", "ICU ubidi", 0.25},
+        {"ShapeString / ICU ubidi + u_shapeArabic", "ShapeString", "ICU u_shapeArabic+ubidi", 0.35},
+        {"BidiString then ShapeString / ICU ubidi + u_shapeArabic", "BidiString+ShapeString",
+         "ICU u_shapeArabic+ubidi", 0.5},
+        {"BidiString then ShapeString / FriBidi fribidi_log2vis", "BidiString+ShapeString", "fribidi_log2vis", 0.4},
+    };
+    printf("\nGoals at %d units: our time / peer's time\n", kGoalLength);
+    printf("%-58s %8s %8s %s\n", "work", "ratio", "goal", "met");
+    for (const Goal& g : goals) {
+        const double ratio = reporter.Time(At(g.ours, kGoalLength)) / reporter.Time(At(g.peer, kGoalLength));
+        printf("%-58s %8.3f %8.2f %s\n", g.what, ratio, g.goal, ratio <= g.goal ? "yes" : "NO");
+    }
+}
+
+// Our cost per unit at every length; the goal: a 16-unit line within twice the cost per unit of a
+// line of a million units.
+void PrintPerUnit(const RatioReporter& reporter) {
+    std::vector<int> lengths(std::begin(kPeerLengths), std::end(kPeerLengths));
+    lengths.insert(lengths.end(), std::begin(kLongLengths), std::end(kLongLengths));
+    const char* const names[] = {"BidiString", "ShapeString", "BidiString+ShapeString"};
+    printf("\nOur ns per unit\n%8s", "length");
+    for (const char* name : names) printf(" %24s", name);
+    printf("\n");
+    for (int length : lengths) {
+        printf("%8d", length);
+        for (const char* name : names) printf(" %24.2f", reporter.Time(At(name, length)) / length);
+        printf("\n");
+    }
+    const int longest = lengths.back();
+    printf("%-58s %8s %8s %s\n", "16 units / 1M units, per unit", "ratio", "goal", "met");
+    for (const char* name : names) {
+        const double ratio = (reporter.Time(At(name, 16)) / 16) / (reporter.Time(At(name, longest)) / longest);
+        printf("%-58s %8.3f %8.2f %s\n", name, ratio, 2.0, ratio <= 2.0 ? "yes" : "NO");
     }
 }
 
@@ -114,18 +173,25 @@ int main(int argc, char** argv) {
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
     static std::map<int, std::u16string> lines;
-    for (int length : kLengths) {
+    const auto ours = [](int length) -> const std::u16string& {
         const std::u16string& line = lines[length] = MixedLine(static_cast<size_t>(length));
-        const std::string n = "/" + std::to_string(length);
-        benchmark::RegisterBenchmark(("BidiString" + n).c_str(), OursBidi, line);
-        benchmark::RegisterBenchmark(("ShapeString" + n).c_str(), OursShape, line);
-        benchmark::RegisterBenchmark(("fribidi_log2vis" + n).c_str(), FriBidiLog2Vis, line);
-        benchmark::RegisterBenchmark(("ICU ubidi" + n).c_str(), IcuBidi, line, false);
-        benchmark::RegisterBenchmark(("ICU u_shapeArabic+ubidi" + n).c_str(), IcuBidi, line, true);
+        benchmark::RegisterBenchmark(At("BidiString", length).c_str(), OursBidi, line);
+        benchmark::RegisterBenchmark(At("ShapeString", length).c_str(), OursShape, line);
+        benchmark::RegisterBenchmark(At("BidiString+ShapeString", length).c_str(), OursBoth, line);
+        return line;
+    };
+    for (int length : kPeerLengths) {
+        const std::u16string& line = ours(length);
+        benchmark::RegisterBenchmark(At("fribidi_log2vis", length).c_str(), FriBidiLog2Vis, line);
+        benchmark::RegisterBenchmark(At("ICU ubidi", length).c_str(), IcuBidi, line, false);
+        benchmark::RegisterBenchmark(At("ICU u_shapeArabic+ubidi", length).c_str(), IcuBidi, line, true);
     }
+    for (int length : kLongLengths) ours(length);
     RatioReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
     PrintRatios(reporter);
+    PrintGoals(reporter);
+    PrintPerUnit(reporter);
     benchmark::Shutdown();
     return 0;
 }

@@ -3,7 +3,9 @@
 // above it (no explicit embedding exists, so nothing goes higher), the display order is the one the
 // levels give, mirroring only swaps characters for their partners, and null arrays change nothing.
 // BidiAlgorithm on random classes, some skipped, and any base level: only L, R, AN, EN and BN come
-// out, skipped positions stay as they were, and levels rise by at most 2.
+// out, skipped positions stay as they were, and levels rise by at most 2. Every output is also
+// held to the straightforward form of the same operations, and a line that ShapeString resolved
+// just before gives BidiString the same results as a fresh one.
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
@@ -14,6 +16,7 @@
 
 #include <zel/bidi.h>
 
+#include "bidi/bidi_reference.h"
 #include "fuzz_check.h"
 
 namespace {
@@ -66,7 +69,20 @@ void Lines(const std::vector<WCHAR>& source, int direction) {
     std::copy(source.begin(), source.end(), mirrored.get());
     std::copy(source.begin(), source.end(), bare.get());
 
+    // The straightforward form first, so that the line ShapeString leaves below is the last one.
+    auto expected = std::make_unique<WCHAR[]>(count);
+    auto expectedClasses = std::make_unique<WORD[]>(count);
+    auto expectedLevels = std::make_unique<WORD[]>(count);
+    std::copy(source.begin(), source.end(), expected.get());
+    Check(zelbidi::reference::BidiString(expected.get(), n, expectedClasses.get(), expectedLevels.get(), 0,
+                                         direction) == n);
+    // ShapeString on the same line leaves its resolution for the next BidiString.
+    auto shaped = std::make_unique<WCHAR[]>(count + 1);
+    Check(ShapeString(shaped.get(), source.data(), n, nullptr, nullptr, direction & 1, direction) == n);
     Check(BidiString(plain.get(), n, classes.get(), levels.get(), 0, direction) == n);
+    Check(std::equal(plain.get(), plain.get() + count, expected.get()));
+    Check(std::equal(classes.get(), classes.get() + count, expectedClasses.get()));
+    Check(std::equal(levels.get(), levels.get() + count, expectedLevels.get()));
     Check(BidiString(mirrored.get(), n, nullptr, levels2.get(), 1, direction) == n);
     Check(BidiString(bare.get(), n, nullptr, nullptr, 0, direction) == n);
     for (size_t i = 0; i < count; ++i) {
@@ -92,8 +108,14 @@ void Classes(const uint8_t* data, size_t size) {
         levels[i] = static_cast<WORD>(b * 7);
     }
     std::vector<WORD> before(classes.get(), classes.get() + count);
-    DWORD raised = 9;
+    std::vector<WORD> expectedClasses = before, expectedLevels(levels.get(), levels.get() + count);
+    DWORD raised = 9, expectedRaised = 9;
     Check(BidiAlgorithm(base, nullptr, static_cast<DWORD>(count), classes.get(), levels.get(), &raised) == count);
+    zelbidi::reference::BidiAlgorithm(base, static_cast<DWORD>(count), expectedClasses.data(), expectedLevels.data(),
+                                      &expectedRaised);
+    Check(std::equal(expectedClasses.begin(), expectedClasses.end(), classes.get()));
+    Check(std::equal(expectedLevels.begin(), expectedLevels.end(), levels.get()));
+    Check(raised == expectedRaised);
     const WORD stored = static_cast<WORD>(base);
     bool up = false;
     for (size_t i = 0; i < count; ++i) {
@@ -114,6 +136,8 @@ void Classes(const uint8_t* data, size_t size) {
     // base level; a BN may also take the level of the nearest position before it not skipped.
     std::vector<WORD> resolved(levels.get(), levels.get() + count);
     BidiResolveWhitespace(stored, before.data(), levels.get(), static_cast<DWORD>(count));
+    zelbidi::reference::ResolveWhitespace(stored, before.data(), expectedLevels.data(), static_cast<DWORD>(count));
+    Check(std::equal(expectedLevels.begin(), expectedLevels.end(), levels.get()));
     WORD last = stored;
     for (size_t i = 0; i < count; ++i) {
         Check(levels[i] == resolved[i] || levels[i] == stored || (before[i] == ZelBidiBN && levels[i] == last));

@@ -6,7 +6,9 @@
 // its size. Checked: the source is unchanged; the result is the count; the caller's levels stay
 // within two above the base level; the destination either is the exact copy (left to right with
 // nothing raised) or holds, before a terminator, at most count units and no fewer than count less
-// one for each lam, with every formatting control turned into a blank.
+// one for each lam, with every formatting control turned into a blank; and every output is the one
+// the straightforward form of ShapeString gives, whether or not BidiString resolved the same line
+// just before (bit 4 of the first byte).
 #include <zel/bidi.h>
 
 #include <algorithm>
@@ -14,6 +16,8 @@
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
+
+#include "bidi/bidi_reference.h"
 
 namespace {
 
@@ -44,7 +48,7 @@ WCHAR Unit(const uint8_t* p) {
 
 // Shapes into exact-size blocks and gives the number of units before the terminator, or count + 1
 // for the exact copy without one.
-size_t Run(const WCHAR* text, DWORD count, int direction, int mirror, bool ownArrays,
+size_t Run(const WCHAR* text, DWORD count, int direction, int mirror, bool ownArrays, bool bidiFirst,
            std::unique_ptr<WCHAR[]>& out) {
     std::unique_ptr<WCHAR[]> source(new WCHAR[count]);
     std::copy(text, text + count, source.get());
@@ -53,8 +57,26 @@ size_t Run(const WCHAR* text, DWORD count, int direction, int mirror, bool ownAr
     std::unique_ptr<WORD[]> classes(ownArrays ? new WORD[count] : nullptr);
     std::unique_ptr<WORD[]> levels(ownArrays ? new WORD[count] : nullptr);
 
+    std::unique_ptr<WCHAR[]> expected(new WCHAR[count + 1]);
+    std::fill(expected.get(), expected.get() + count + 1, WCHAR{0xBEEF});
+    std::unique_ptr<WORD[]> expectedClasses(new WORD[count]), expectedLevels(new WORD[count]);
+    CHECK(zelbidi::reference::ShapeString(expected.get(), source.get(), count, expectedClasses.get(),
+                                          expectedLevels.get(), mirror, direction) == count);
+    if (bidiFirst) {
+        // BidiString leaves its resolution of the line for ShapeString, with the mirror flag
+        // sometimes the other one.
+        std::unique_ptr<WCHAR[]> display(new WCHAR[count]);
+        std::copy(text, text + count, display.get());
+        CHECK(BidiString(display.get(), count, nullptr, nullptr, mirror ^ (count & 1), direction) == count);
+    }
+
     const DWORD n = ShapeString(out.get(), source.get(), count, classes.get(), levels.get(), mirror, direction);
     CHECK(n == count);
+    CHECK(std::equal(out.get(), out.get() + count + 1, expected.get()));
+    if (ownArrays) {
+        CHECK(std::equal(classes.get(), classes.get() + count, expectedClasses.get()));
+        CHECK(std::equal(levels.get(), levels.get() + count, expectedLevels.get()));
+    }
     CHECK(std::equal(text, text + count, source.get()));
     if (ownArrays) {
         for (DWORD i = 0; i < count; ++i) CHECK(levels[i] <= (direction == 1 ? 3 : 2));
@@ -77,12 +99,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const int direction = (flags & 3) == 3 ? 7 : (flags & 1);
     const int mirror = (flags >> 2) & 1;
     const bool ownArrays = (flags >> 3) & 1;
+    const bool bidiFirst = (flags >> 4) & 1;
     const DWORD count = static_cast<DWORD>((size - 1) / 2);
     std::unique_ptr<WCHAR[]> text(new WCHAR[count]);
     for (DWORD i = 0; i < count; ++i) text[i] = Unit(data + 1 + 2 * i);
 
     std::unique_ptr<WCHAR[]> out;
-    const size_t length = Run(text.get(), count, direction, mirror, ownArrays, out);
+    const size_t length = Run(text.get(), count, direction, mirror, ownArrays, bidiFirst, out);
     if (length > count) return 0;  // the exact copy, checked in Run
 
     size_t lams = 0;

@@ -1,8 +1,26 @@
 // Level resolution of one line from its classes: the explicit controls and separators drop out,
 // then the weak, neutral and implicit steps.
 #include "bidi/bidi_internal.h"
+#include "bidi/bidi_tables.h"
 
 namespace zelbidi {
+
+bool BidiStartLevels(WORD base, DWORD count, WORD* classes, WORD* levels, DWORD* raised) {
+    if ((!classes || !levels) && count) {
+        if (raised) *raised = 0;
+        return false;
+    }
+    // A paragraph separator ends nothing here: the caller hands over one line at a time.
+    for (DWORD i = 0; i < count; ++i)
+        if (classes[i] == ZelBidiB) classes[i] = ZelBidiBN;
+    // No embedding is acted on: the explicit controls drop out and every level starts at the base.
+    for (DWORD i = 0; i < count; ++i) {
+        if (classes[i] == kSkip) continue;
+        if (classes[i] >= ZelBidiRLE && classes[i] <= ZelBidiPDF) classes[i] = ZelBidiBN;
+        levels[i] = base;
+    }
+    return true;
+}
 
 DWORD BidiResolveImplicit(const WORD* classes, WORD* levels, DWORD count) {
     DWORD raised = 0;
@@ -23,22 +41,10 @@ using namespace zelbidi;
 DWORD BidiAlgorithm(LONG baseLevel, const WCHAR* /*text*/, DWORD count, WORD* classes, WORD* levels,
                     DWORD* raised) {
     count = TextCount(count);
-    if ((!classes || !levels) && count) {
-        if (raised) *raised = 0;
-        return 0;
-    }
     const WORD base = static_cast<WORD>(baseLevel);
-    // A paragraph separator ends nothing here: the caller hands over one line at a time.
-    for (DWORD i = 0; i < count; ++i)
-        if (classes[i] == ZelBidiB) classes[i] = ZelBidiBN;
-    // No embedding is acted on: the explicit controls drop out and every level starts at the base.
-    for (DWORD i = 0; i < count; ++i) {
-        if (classes[i] == kSkip) continue;
-        if (classes[i] >= ZelBidiRLE && classes[i] <= ZelBidiPDF) classes[i] = ZelBidiBN;
-        levels[i] = base;
-    }
+    if (!BidiStartLevels(base, count, classes, levels, raised)) return 0;
     BidiResolveWeak(base, classes, count);
-    BidiResolveNeutral(base, classes, levels, count);
+    BidiResolveNeutral(base, classes, count);
     const DWORD up = BidiResolveImplicit(classes, levels, count);
     if (raised) *raised = up;
     return count;

@@ -1,6 +1,6 @@
 // The steps of the bidi resolution behind BidiAlgorithm and BidiString, shared with the shaper:
-// classification, the weak and neutral state machines, mirroring, reordering, and the scratch
-// arrays of a call.
+// the weak and neutral steps, white space, reordering, the scratch arrays of a call, and the line
+// that BidiString and ShapeString share.
 #ifndef ZEL_BIDI_BIDI_INTERNAL_H
 #define ZEL_BIDI_BIDI_INTERNAL_H
 
@@ -21,95 +21,81 @@ constexpr WORD kSkip = 0xFFFF;
 // taken as a count of 0, so that nothing is read or written.
 constexpr DWORD TextCount(DWORD count) { return count > 0x7FFFFFFFu ? 0 : count; }
 
-// The columns of the weak tables are the classes ON to ET; those of the neutral tables ON to EN.
-constexpr int kWeakStates = 20;
-constexpr int kWeakColumns = 10;
-constexpr int kNeutralStates = 6;
-constexpr int kNeutralColumns = 5;
-
-// Weak step: the next state, and the action. Bits 0 to 3 of an action give the class the current
-// position takes (0xF keeps it), bits 4 to 7 the class the deferred run is filled with (0xF leaves
-// it open), bit 8 adds the current position to the run.
-extern const BYTE kWeakStateTbl[kWeakStates][kWeakColumns];
-extern const WORD kWeakActionTbl[kWeakStates][kWeakColumns];
-// Neutral step: the same, but 0 keeps the class and leaves the run open, and a fill class of 3
-// stands for the direction of the current level.
-extern const BYTE kNeutralStateTbl[kNeutralStates][kNeutralColumns];
-extern const WORD kNeutralActionTbl[kNeutralStates][kNeutralColumns];
-// What the implicit step adds to a level, by its parity and the resolved class ON to EN.
-extern const BYTE kImplicitTbl[2][kNeutralColumns];
-
-// The direction of a level as a class: R for an odd level, L for an even one.
-inline WORD DirectionOf(WORD level) { return (level & 1) ? ZelBidiR : ZelBidiL; }
-
-// Writes value into the run count positions in front of index, from the nearest one backwards,
-// passing over skipped positions, and empties the run.
-inline void FillRun(WORD* classes, DWORD index, DWORD& run, WORD value) {
-    while (run > 0 && index > 0) {
-        --index;
-        if (classes[index] == kSkip) continue;
-        classes[index] = value;
-        --run;
-    }
-    run = 0;
-}
-
-// What a state machine does at one position: the class to fill the deferred run with, the class
-// the position takes (kSkip for neither), and whether the position joins the run.
-struct RunAction {
-    WORD fill;
-    WORD take;
-    bool defer;
-};
-
-// The walk that the weak and the neutral step share. Skipped positions are passed over; a BN is
-// looked up nowhere and joins the run if one is open. Every other position goes to
-// machine.Step(index, class), which also moves the machine on. Behind the last position
-// machine.End() gives the class that settles what is still open, or kSkip.
-template <typename Machine>
-void WalkRuns(WORD* classes, DWORD count, Machine& machine) {
-    DWORD run = 0;
-    for (DWORD i = 0; i < count; ++i) {
-        const WORD cls = classes[i];
-        if (cls == kSkip) continue;
-        if (cls == ZelBidiBN) {
-            if (run > 0) ++run;
-            continue;
-        }
-        const RunAction action = machine.Step(i, cls);
-        if (action.fill != kSkip) FillRun(classes, i, run, action.fill);
-        if (action.take != kSkip) classes[i] = action.take;
-        if (action.defer) ++run;
-    }
-    const WORD fill = machine.End();
-    if (fill != kSkip) FillRun(classes, count, run, fill);
-}
-
 enum class ClassMode {
     Resolve,  // the classes the resolution works with, a full stop behind a number taking its class
     Raw,      // the classes as stored: white space, separators and explicit controls stay apart
 };
 
-// Fills classes with the class of each of the count characters of text.
-void BidiClassify(const WCHAR* text, DWORD count, WORD* classes, ClassMode mode);
-
-// The steps of BidiAlgorithm after the explicit controls and separators became BN and every
-// level the base level.
-void BidiResolveWeak(WORD baseLevel, WORD* classes, DWORD count);
-void BidiResolveNeutral(WORD baseLevel, WORD* classes, const WORD* levels, DWORD count);
-// Gives 1 when some level was raised.
+// The first steps of BidiAlgorithm: paragraph separators and explicit controls become BN and every
+// level the base level. False, with *raised 0 where raised isn't null, when an array is missing.
+bool BidiStartLevels(WORD base, DWORD count, WORD* classes, WORD* levels, DWORD* raised);
+// The last one: adds to each level by its resolved class. Gives 1 when some level was raised.
 DWORD BidiResolveImplicit(const WORD* classes, WORD* levels, DWORD count);
+// The weak and the neutral step of BidiAlgorithm, after the explicit controls and separators
+// became BN, when every level is the base level.
+void BidiResolveWeak(WORD baseLevel, WORD* classes, DWORD count);
+void BidiResolveNeutral(WORD baseLevel, WORD* classes, DWORD count);
 
-// Swaps each mirrored character at an odd level for its partner; text and levels in logical order.
-void BidiMirrorText(WCHAR* text, const WORD* levels, DWORD count);
+// Writes count units of text to out, which doesn't overlap it, in display order by their levels,
+// which are those of a resolved line: none below the base level, and none above the lowest odd
+// level at or above it plus one. When mirror is set the units at an odd level are swapped for
+// their partners; props, when not null, are the property bytes of text, which save a look-up.
+void ReorderInto(WCHAR* out, const WCHAR* text, const BYTE* props, const WORD* levels, DWORD count, WORD baseLevel,
+                 bool mirror);
 
-// Puts text into display order by its levels, which stay in logical order. The levels are those
-// of BidiAlgorithm and BidiResolveWhitespace for the same base level: none below it, none more
-// than two above it, which bounds the depth of the recursion of BidiReorderLevel.
-void BidiReorder(WORD baseLevel, WCHAR* text, const WORD* levels, DWORD count);
-// Orders the run at the front of text whose levels are level or above, reversing it when reverse
-// is set or level is odd. Gives the length of that run.
-DWORD BidiReorderLevel(WORD level, WCHAR* text, const WORD* levels, DWORD count, bool reverse);
+// The classes that the white space step does more with than with white space and the rest: BN,
+// the separators and the explicit controls.
+constexpr DWORD kWhitespaceFew = 1u << ZelBidiBN | 1u << ZelBidiS | 1u << ZelBidiB | 1u << ZelBidiRLE |
+                                 1u << ZelBidiRLO | 1u << ZelBidiLRO | 1u << ZelBidiLRE | 1u << ZelBidiPDF;
+
+// The white space step: trailing white space and white space in front of a segment or paragraph
+// separator go back to the base level, a BN takes the level before it. classAt(i) gives the
+// stored class of position i.
+template <typename ClassAt>
+void ResolveWhitespaceWith(WORD baseLevel, WORD* levels, DWORD count, ClassAt classAt) {
+    DWORD run = 0;
+    WORD previous = baseLevel;
+    const auto reset = [&](DWORD index) {
+        for (DWORD k = index - run; k < index; ++k) levels[k] = baseLevel;
+    };
+    for (DWORD i = 0; i < count; ++i) {
+        const WORD cls = classAt(i);
+        // BN, the separators, the explicit controls and skipped positions are few; white space
+        // and everything else, the most of a line, go without a branch on the class.
+        if (!(cls < 32 ? (kWhitespaceFew >> cls) & 1 : cls == kSkip)) {
+            run = cls == ZelBidiWS ? run + 1 : 0;
+            previous = levels[i];
+            continue;
+        }
+        switch (cls) {
+        case kSkip:
+            ++run;
+            continue;
+        case ZelBidiBN:
+            // A BN was passed over by the resolution; it goes with what stands before it.
+            levels[i] = previous;
+            ++run;
+            break;
+        case ZelBidiS:
+        case ZelBidiB:
+            reset(i);
+            levels[i] = baseLevel;
+            run = 0;
+            break;
+        case ZelBidiRLE:
+        case ZelBidiRLO:
+        case ZelBidiLRO:
+        case ZelBidiLRE:
+        case ZelBidiPDF:
+            // An explicit control neither ends a run of white space nor lengthens it.
+            break;
+        default:
+            break;
+        }
+        previous = levels[i];
+    }
+    reset(count);
+}
 
 // Scratch array of a call. Up to kStackUnits units it lies in the object, on the caller's stack;
 // beyond that it comes from the heap, so that a line of any length needs no more stack than an
@@ -141,11 +127,96 @@ private:
     T* data_;
 };
 
-// The first half of a line's way to display, shared by BidiString and ShapeString: the levels are
-// resolved and the classes set back to the stored ones. True when some level was raised.
-bool ResolveLine(const WCHAR* text, DWORD count, WORD baseLevel, WORD* classes, WORD* levels);
-// The second half: white space back to the base level, mirroring when asked for, reordering.
-void ToDisplayOrder(WCHAR* text, DWORD count, WORD baseLevel, const WORD* classes, WORD* levels, bool mirror);
+// The properties of a line read once: the property byte of each unit, and the classes the
+// resolution works with.
+class LineScratch {
+public:
+    explicit LineScratch(DWORD count);
+
+    BYTE* props;    // null when there was no memory for them
+    BYTE* classes;
+    // Set by ResolveLine when the line holds a BN, a separator or an explicit control: without
+    // them the white space step only puts trailing white space back to the base level.
+    bool separators = false;
+
+private:
+    Scratch<BYTE> propScratch_;
+    Scratch<BYTE> classScratch_;
+};
+
+// The first half of a line's way to display, shared by BidiString and ShapeString: the properties
+// go to scratch and the resolved levels to levels. Gives 0 when no level was raised.
+unsigned ResolveLine(const WCHAR* text, DWORD count, WORD baseLevel, LineScratch& scratch, WORD* levels);
+// The stored classes of the line, for a caller's array.
+void StoredClasses(const LineScratch& scratch, DWORD count, WORD* classes);
+// The second half: white space back to the base level, then the text in display order to out,
+// which doesn't overlap it, mirrored when asked for.
+void ToDisplayOrder(WCHAR* out, const WCHAR* text, DWORD count, WORD baseLevel, const LineScratch& scratch,
+                    WORD* levels, bool mirror);
+
+// What one of BidiString and ShapeString resolved of a line of up to kUnits units, kept for the
+// other one on the same thread: the line's text and base level, whether some level was raised,
+// the levels after the white space step, and the display order with or without mirroring. Each
+// line is taken at most once, by the other call, so that a caller that asks for one of them over
+// and over gets each answer worked out afresh.
+struct SharedLine {
+    static constexpr DWORD kUnits = 1024;
+    enum Owner : BYTE { kNone, kBidiString, kShapeString };
+
+    DWORD count;
+    WORD base;
+    Owner owner;
+    bool mirror;
+    bool raised;
+    WCHAR text[kUnits];
+    WCHAR display[kUnits];
+    WORD levels[kUnits];
+};
+
+// The line that the other call left for asker, when it is exactly this one; it is taken, so a
+// second question gives null.
+const SharedLine* TakeSharedLine(SharedLine::Owner asker, const WCHAR* text, DWORD count, WORD base);
+// Keeps a line for the other call, the logical text and base level first: the caller fills the rest.
+// Null, and nothing kept, for a line longer than SharedLine::kUnits.
+SharedLine* KeepSharedLine(SharedLine::Owner owner, const WCHAR* text, DWORD count, WORD base);
+// A line that neither BidiString nor ShapeString had: resolved, kept for the other call when it is
+// short enough, and put into display order. Its arrays lie on the stack for a line of up to
+// Scratch::kStackUnits units and on the heap beyond.
+class DisplayLine {
+public:
+    // classes and levels are the caller's arrays, or null.
+    DisplayLine(SharedLine::Owner owner, const WCHAR* text, DWORD count, WORD base, WORD* classes, WORD* levels,
+                bool mirror);
+    DisplayLine(const DisplayLine&) = delete;
+    DisplayLine& operator=(const DisplayLine&) = delete;
+
+    // True when there was no memory for the arrays of a long line, and nothing was done.
+    bool Failed() const { return failed_; }
+    // The text in display order; null where it reads as it stands, when no level was raised at
+    // base level 0.
+    const WCHAR* Display() const { return display_; }
+
+private:
+    SharedLine* keep_;
+    Scratch<WORD> levelScratch_;
+    LineScratch scratch_;
+    Scratch<WCHAR> displayScratch_;
+    const WCHAR* display_ = nullptr;
+    bool failed_ = false;
+};
+
+// What a line kept by the other call gives: the caller's classes and levels when they aren't null,
+// and the display order, from the shared line, or made again into redo (SharedLine::kUnits units)
+// for the other mirror flag; null where the line reads as it stands.
+const WCHAR* SharedDisplay(const SharedLine& line, const WCHAR* text, WORD* classes, WORD* levels, bool mirror,
+                           WCHAR* redo);
+
+// The stored classes of a text, for a caller's array.
+void StoredClasses(const WCHAR* text, DWORD count, WORD* classes);
+// The display order of a line resolved before from its levels, to out.
+inline void RedoDisplayOrder(WCHAR* out, const WCHAR* text, DWORD count, WORD base, const WORD* levels, bool mirror) {
+    ReorderInto(out, text, nullptr, levels, count, base, mirror);
+}
 
 }  // namespace zelbidi
 

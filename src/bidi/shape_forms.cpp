@@ -1,63 +1,18 @@
-// Neighbours and forms of a letter in a visual buffer, and what a shaped character is as a
-// presentation form.
+// What a shaped character is as a presentation form.
 #include <zel/bidi.h>
 
 #include "bidi/bidi_internal.h"
 #include "bidi/shaping_internal.h"
+#include "bidi/unicode_lookup.h"
 
 namespace zelshape {
-
-namespace {
-
-constexpr WORD kCategoryMn = 1;
-
-inline bool IsMark(WCHAR c) { return GetUnicodeCategory(c) == kCategoryMn; }
-
-}  // namespace
 
 DWORD PrevBaseIndex(const WCHAR* text, DWORD index) {
     while (index > 0) {
         --index;
-        if (!IsMark(text[index])) return index;
+        if (zelbidi::CategoryOf(text[index]) != kCategoryMn) return index;
     }
     return kNoIndex;
-}
-
-DWORD NextBaseIndex(const WCHAR* text, DWORD count, DWORD index) {
-    while (index + 1 < count) {
-        ++index;
-        if (!IsMark(text[index])) return index;
-    }
-    return kNoIndex;
-}
-
-WCHAR ShapePrevBase(const WCHAR* text, DWORD index) {
-    const DWORD at = PrevBaseIndex(text, index);
-    return at == kNoIndex ? kNoBase : text[at];
-}
-
-WCHAR ShapeNextBase(const WCHAR* text, DWORD count, DWORD index) {
-    const DWORD at = NextBaseIndex(text, count, index);
-    return at == kNoIndex ? kNoBase : text[at];
-}
-
-int ShapeForm(const WCHAR* text, DWORD count, DWORD index) {
-    const WORD type = ZelBidiJoining(text[index]);
-    // Non-joining and join-causing characters keep form 0; their neighbours are not looked at, so
-    // that a long run of marks is walked only by the letters at its two ends.
-    if (type != kJoinDual && type != kJoinRight) return kIsolated;
-
-    // The lower neighbour follows in reading: it joins whatever its type. The higher one precedes
-    // in reading and must join towards its left.
-    const bool prev = ZelBidiJoining(ShapePrevBase(text, index)) != kJoinNone;
-    const WORD nextType = ZelBidiJoining(ShapeNextBase(text, count, index));
-    const bool next = nextType == kJoinDual || nextType == kJoinCausing;
-
-    if (type == kJoinRight) return next ? kFinal : kIsolated;
-    if (next && prev) return kMedial;
-    if (next) return kFinal;
-    if (prev) return kInitial;
-    return kIsolated;
 }
 
 }  // namespace zelshape

@@ -5,13 +5,9 @@
 
 #include "bidi/shaping_internal.h"
 
-namespace {
+namespace zelshape {
 
-// A row of the shape table: the first form and how many forms follow it contiguously (0, 1 or 3).
-struct ShapeRow {
-    WCHAR first;
-    WORD further;
-};
+namespace {
 
 struct ShapeEntry {
     BYTE low;
@@ -45,15 +41,13 @@ constexpr std::array<ShapeRow, 256> MakeShapeTable() {
     return table;
 }
 
+}  // namespace
+
 constexpr std::array<ShapeRow, 256> kShapeTbl = MakeShapeTable();
 
-// Alef maksura: its forms are not contiguous.
-constexpr BYTE kAlefMaksuraLow = 0x49;
 constexpr WCHAR kAlefMaksuraForms[4] = {0xFEEF, 0xFEF0, 0xFBE8, 0xFBE9};
 
-// By the low byte of the alef (0x22 to 0x27) and the form of the lam. Only the initial and medial
-// lam forms make a ligature; 0x24 and 0x26 are no alefs.
-constexpr BYTE kLamAlefFirstLow = 0x22;
+// Only the initial and medial lam forms make a ligature; 0x24 and 0x26 are no alefs.
 constexpr WCHAR kLamAlefTbl[6][4] = {
     {0xFFFD, 0xFFFD, 0xFEF5, 0xFEF6},  // U+0622
     {0xFFFD, 0xFFFD, 0xFEF7, 0xFEF8},  // U+0623
@@ -63,16 +57,14 @@ constexpr WCHAR kLamAlefTbl[6][4] = {
     {0xFFFD, 0xFFFD, 0xFEFB, 0xFEFC},  // U+0627
 };
 
-}  // namespace
+}  // namespace zelshape
+
+using namespace zelshape;
 
 WCHAR GetBidiShape(WCHAR /*c*/, BYTE low, int form) {
-    if (low == kAlefMaksuraLow) {
-        // Forms outside 0 to 3 have no cell; they get the replacement character.
-        return (form >= 0 && form <= 3) ? kAlefMaksuraForms[form] : WCHAR{0xFFFD};
-    }
-    const ShapeRow& row = kShapeTbl[low];
-    if (row.further == 0) return row.first;
-    return static_cast<WCHAR>(row.first + form);
+    // Forms outside 0 to 3 of alef maksura have no cell; they get the replacement character.
+    if (low == kAlefMaksuraLow && (form < 0 || form > 3)) return 0xFFFD;
+    return ShapeOf(low, form);
 }
 
 WCHAR GetArabicUnicodeLamAlefMapping(BYTE alefLow, int form) {

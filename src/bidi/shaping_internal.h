@@ -6,6 +6,8 @@
 #include <zel/bidi.h>
 #include <zel/wintypes.h>
 
+#include <array>
+
 namespace zelshape {
 
 // Form numbers; each is also the offset of the form from the first form of a letter.
@@ -26,6 +28,9 @@ constexpr WCHAR kNoBase = 0xFFFD;
 constexpr WCHAR kBlank = 0x200B;
 constexpr WCHAR kLam = 0x0644;
 
+// The general category of the marks, which the neighbour searches pass over.
+constexpr WORD kCategoryMn = 1;
+
 // Index of a search that found nothing.
 constexpr DWORD kNoIndex = 0xFFFFFFFFu;
 
@@ -36,18 +41,31 @@ inline bool IsLigatureAlef(WCHAR c) { return c == 0x0622 || c == 0x0623 || c == 
 // Zero-width joiners and non-joiners, direction marks and explicit embeddings.
 inline bool IsFormatControl(WCHAR c) { return (c >= 0x200C && c <= 0x200F) || (c >= 0x202A && c <= 0x202E); }
 
-// The nearest index below (above) index whose character is not a mark (category Mn); kNoIndex at
-// the start (end) of the buffer.
+// A row of the shape table: the first form and how many forms follow it contiguously (0, 1 or 3).
+struct ShapeRow {
+    WCHAR first;
+    WORD further;
+};
+
+// By the low byte of a character U+06xx.
+extern const std::array<ShapeRow, 256> kShapeTbl;
+// Alef maksura: its forms are not contiguous.
+constexpr BYTE kAlefMaksuraLow = 0x49;
+extern const WCHAR kAlefMaksuraForms[4];
+// By the low byte of the alef (0x22 to 0x27) and the form of the lam.
+constexpr BYTE kLamAlefFirstLow = 0x22;
+extern const WCHAR kLamAlefTbl[6][4];
+
+// The form number form (0 to 3) of the character U+06xx with the low byte low.
+inline WCHAR ShapeOf(BYTE low, int form) {
+    if (low == kAlefMaksuraLow) return kAlefMaksuraForms[form];
+    const ShapeRow& row = kShapeTbl[low];
+    return row.further == 0 ? row.first : static_cast<WCHAR>(row.first + form);
+}
+
+// The nearest index below index whose character is not a mark (category Mn); kNoIndex at the
+// start of the buffer.
 DWORD PrevBaseIndex(const WCHAR* text, DWORD index);
-DWORD NextBaseIndex(const WCHAR* text, DWORD count, DWORD index);
-
-// The characters at those indices, kNoBase when there is none.
-WCHAR ShapePrevBase(const WCHAR* text, DWORD index);
-WCHAR ShapeNextBase(const WCHAR* text, DWORD count, DWORD index);
-
-// The form number of the character at index by its joining type and those of its neighbours in
-// the buffer.
-int ShapeForm(const WCHAR* text, DWORD count, DWORD index);
 
 // Writes the presentation forms of a visual buffer of count units to destination, walking the
 // buffer backwards when asked, and a terminator behind them. Gives the number of units written

@@ -9,6 +9,9 @@
 #include <zel/bidi.h>
 
 #include "bidi/bidi_internal.h"
+#include "bidi/bidi_reference.h"
+
+using namespace std::string_literals;
 
 namespace {
 
@@ -244,15 +247,32 @@ TEST(BidiString, MillionUnitLine) {
     }
 }
 
-TEST(BidiReorder, NestedLevels) {
-    // Levels as the resolution leaves them for base level 1: runs at 2 and 3 inside 1.
-    std::u16string text = u"abcdefg";
-    zelbidi::BidiReorder(1, text.data(), Levels{1, 2, 2, 3, 3, 2, 1}.data(), 7);
-    EXPECT_EQ(text, u"gbcedfa");
-    // At base level 0 a run at 2 directly beside a run at 0 is reversed twice.
-    text = u"abcde";
-    zelbidi::BidiReorder(0, text.data(), Levels{0, 2, 2, 1, 0}.data(), 5);
-    EXPECT_EQ(text, u"adbce");
+// Reordering in one pass against reversing the runs level by level, the deepest first, on every
+// pattern of levels a resolved line can have: from the base level up to the lowest odd level
+// above it plus one.
+TEST(BidiReorder, OnePassAgainstLevelByLevel) {
+    for (WORD base : {0, 1, 2, 3}) {
+        const WORD lowest = (base & 1) ? base : static_cast<WORD>(base + 1);
+        const int kinds = lowest + 2 - base;
+        for (int count = 0; count <= 7; ++count) {
+            int patterns = 1;
+            for (int i = 0; i < count; ++i) patterns *= kinds;
+            for (int pattern = 0; pattern < patterns; ++pattern) {
+                Levels levels;
+                for (int i = 0, p = pattern; i < count; ++i, p /= kinds) levels.push_back(static_cast<WORD>(base + p % kinds));
+                const std::u16string text = u"a(b<c)d"s.substr(0, static_cast<size_t>(count));
+                for (bool mirror : {false, true}) {
+                    std::u16string expected = text;
+                    if (mirror) zelbidi::reference::MirrorText(expected.data(), levels.data(), static_cast<DWORD>(count));
+                    zelbidi::reference::Reorder(base, expected.data(), levels.data(), static_cast<DWORD>(count));
+                    std::u16string out(text.size(), u'?');
+                    zelbidi::ReorderInto(out.data(), text.data(), nullptr, levels.data(), static_cast<DWORD>(count), base,
+                                         mirror);
+                    ASSERT_EQ(out, expected) << "base " << base << " pattern " << pattern << " mirror " << mirror;
+                }
+            }
+        }
+    }
 }
 
 }  // namespace

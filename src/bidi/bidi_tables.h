@@ -1,11 +1,23 @@
-// The state and action tables of the weak and neutral steps, and the implicit level table.
-#include "bidi/bidi_internal.h"
+// The state and action tables of the weak and neutral steps, and the implicit level table, as
+// the rules give them. The resolution works from a packed form of them made at compile time.
+#ifndef ZEL_BIDI_BIDI_TABLES_H
+#define ZEL_BIDI_BIDI_TABLES_H
+
+#include <zel/wintypes.h>
 
 namespace zelbidi {
 
-// Columns: ON, L, R, AN, EN, AL, NSM, CS, ES, ET. Rows: the state, as the comment says what the
+// The columns of the weak tables are the classes ON to ET; those of the neutral tables ON to EN.
+constexpr int kWeakStates = 20;
+constexpr int kWeakColumns = 10;
+constexpr int kNeutralStates = 6;
+constexpr int kNeutralColumns = 5;
+
+// Weak step: the next state, and the action. Bits 0 to 3 of an action give the class the current
+// position takes (0xF keeps it), bits 4 to 7 the class the deferred run is filled with (0xF leaves
+// it open), bit 8 adds the current position to the run. Columns: ON, L, R, AN, EN, AL, NSM, CS, ES, ET. Rows: the state, as the comment says what the
 // machine has seen last.
-const BYTE kWeakStateTbl[kWeakStates][kWeakColumns] = {
+inline constexpr BYTE kWeakStateTbl[kWeakStates][kWeakColumns] = {
     {3, 2, 1, 8, 8, 0, 0, 3, 3, 3},          // after AL
     {4, 2, 1, 9, 10, 0, 1, 4, 4, 6},         // after R
     {5, 2, 1, 11, 12, 0, 2, 5, 5, 7},        // after L
@@ -29,7 +41,7 @@ const BYTE kWeakStateTbl[kWeakStates][kWeakColumns] = {
 };
 
 // An EN in the state "AL then neutral" becomes L, and one in "number after AL" stays EN.
-const WORD kWeakActionTbl[kWeakStates][kWeakColumns] = {
+inline constexpr WORD kWeakActionTbl[kWeakStates][kWeakColumns] = {
     {0xFF, 0xFF, 0xFF, 0xFF, 0xF3, 0xF2, 0xF2, 0xF0, 0xF0, 0xF0},
     {0xFF, 0xFF, 0xFF, 0xFF, 0xF4, 0xF2, 0xF2, 0xF0, 0xF0, 0x1FF},
     {0xFF, 0xFF, 0xFF, 0xFF, 0xF1, 0xF2, 0xF1, 0xF0, 0xF0, 0x1FF},
@@ -52,8 +64,9 @@ const WORD kWeakActionTbl[kWeakStates][kWeakColumns] = {
     {0xFF, 0xFF, 0xFF, 0xFF, 0xF1, 0xF2, 0xF1, 0xF0, 0xF0, 0xF1},
 };
 
-// Columns: ON, L, R, AN, EN.
-const BYTE kNeutralStateTbl[kNeutralStates][kNeutralColumns] = {
+// Neutral step: the same, but 0 keeps the class and leaves the run open, and a fill class of 3
+// stands for the direction of the current level. Columns: ON, L, R, AN, EN.
+inline constexpr BYTE kNeutralStateTbl[kNeutralStates][kNeutralColumns] = {
     {2, 1, 0, 0, 0},  // R
     {3, 1, 0, 4, 1},  // L
     {2, 1, 0, 0, 0},  // neutral after R
@@ -62,7 +75,7 @@ const BYTE kNeutralStateTbl[kNeutralStates][kNeutralColumns] = {
     {5, 1, 0, 4, 1},  // neutral after AN after L
 };
 
-const WORD kNeutralActionTbl[kNeutralStates][kNeutralColumns] = {
+inline constexpr WORD kNeutralActionTbl[kNeutralStates][kNeutralColumns] = {
     {0x100, 0x0, 0x0, 0x0, 0x0},
     {0x100, 0x0, 0x0, 0x0, 0x1},
     {0x100, 0x30, 0x20, 0x20, 0x20},
@@ -71,9 +84,12 @@ const WORD kNeutralActionTbl[kNeutralStates][kNeutralColumns] = {
     {0x100, 0x30, 0x20, 0x20, 0x30},
 };
 
-const BYTE kImplicitTbl[2][kNeutralColumns] = {
+// What the implicit step adds to a level, by its parity and the resolved class ON to EN.
+inline constexpr BYTE kImplicitTbl[2][kNeutralColumns] = {
     {0, 0, 1, 2, 2},  // even level
     {0, 1, 0, 1, 1},  // odd level
 };
 
 }  // namespace zelbidi
+
+#endif  // ZEL_BIDI_BIDI_TABLES_H
