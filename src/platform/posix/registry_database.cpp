@@ -3,7 +3,11 @@
 // transaction is rolled back as a whole once the call sees it.
 #include "platform/posix/registry_database.h"
 
+#include <fcntl.h>
 #include <sqlite3.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <cstring>
 
@@ -14,7 +18,7 @@ namespace {
 // when it goes.
 class Query {
 public:
-    Query(HiveDatabase& db, const char* sql) : db_(db), stmt_(db.Prepare(sql)) {}
+    Query(HiveDatabase& db, const char* sql) : db_(db), stmt_((db.BeginIfPending(), db.Prepare(sql))) {}
     ~Query() {
         if (!stmt_) return;
         sqlite3_reset(stmt_);
@@ -85,6 +89,16 @@ void ReadKeyColumns(const Query& q, int first, KeyRow& row) {
     row.lastWrite = static_cast<uint64_t>(q.IntAt(first + 3));
 }
 
+// The keys of what is kept: a kind, an id and a folded name.
+std::string CacheKey(char kind, int64_t id, bool isVolatile, const std::string& folded = {}) {
+    std::string key(1, kind);
+    key.append(reinterpret_cast<const char*>(&id), sizeof id);
+    key += isVolatile ? '1' : '0';
+    return key + folded;
+}
+
+constexpr size_t kMostKept = 65536;
+
 }  // namespace
 
 std::string FoldedKey(std::u16string_view name) {
@@ -95,6 +109,59 @@ std::string FoldedKey(std::u16string_view name) {
         folded[2 * i + 1] = static_cast<char>(unit & 0xFF);
     }
     return folded;
+}
+
+void HiveDatabase::BeginIfPending() {
+    if (!pendingBegin) return;
+    pendingBegin = false;
+    sqlite3_stmt* begin = Prepare("BEGIN");
+    if (!begin) return;
+    int rc = sqlite3_step(begin);
+    sqlite3_reset(begin);
+    if (rc == SQLITE_DONE)
+        began = true;
+    else
+        Fail(rc);
+}
+
+void HiveDatabase::Watch(Watched& watched, const std::string& database) {
+    watched.header = nullptr;
+    int fd = open((database + "-shm").c_str(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0) return;
+    struct stat st;
+    // The index is mapped whole by SQLite's own connection first; a smaller file is not one in use.
+    if (fstat(fd, &st) == 0 && st.st_size >= 4096) {
+        void* mapped = mmap(nullptr, 4096, PROT_READ, MAP_SHARED, fd, 0);
+        if (mapped != MAP_FAILED) watched.header = static_cast<const uint8_t*>(mapped);
+    }
+    close(fd);
+    Changed(watched);
+}
+
+void HiveDatabase::WatchChanges() {
+    Watch(watched_[0], path);
+    if (!volatilePath.empty()) Watch(watched_[1], volatilePath);
+}
+
+bool HiveDatabase::Changed(Watched& watched) {
+    if (!watched.header) return true;
+    uint64_t now[6];
+    const auto* words = reinterpret_cast<const uint64_t*>(watched.header);
+    for (int i = 0; i < 6; ++i) now[i] = __atomic_load_n(words + i, __ATOMIC_ACQUIRE);
+    if (memcmp(now, watched.seen, sizeof now) == 0) return false;
+    memcpy(watched.seen, now, sizeof now);
+    return true;
+}
+
+void HiveDatabase::CheckForChanges() {
+    bool changed = Changed(watched_[0]);
+    if (!volatilePath.empty()) changed = Changed(watched_[1]) || changed;
+    if (changed || keys_.size() + values_.size() > kMostKept) Forget();
+}
+
+void HiveDatabase::Forget() {
+    keys_.clear();
+    values_.clear();
 }
 
 void HiveDatabase::Fail(int code) {
@@ -117,6 +184,12 @@ sqlite3_stmt* HiveDatabase::Prepare(const char* sql) {
 }
 
 void HiveDatabase::Close(bool keepJournal) {
+    for (Watched& watched : watched_) {
+        if (watched.header) munmap(const_cast<uint8_t*>(watched.header), 4096);
+        watched = Watched{};
+    }
+    Forget();
+    pendingBegin = began = false;
     for (const auto& entry : statements_) sqlite3_finalize(entry.second);
     statements_.clear();
     if (db) {
@@ -130,28 +203,50 @@ void HiveDatabase::Close(bool keepJournal) {
 }
 
 bool HiveDatabase::FindKey(int64_t id, bool isVolatile, KeyRow* row) {
+    std::string kept = caching ? CacheKey('k', id, isVolatile) : std::string();
+    if (caching)
+        if (auto hit = keys_.find(kept); hit != keys_.end()) {
+            if (row && hit->second) *row = *hit->second;
+            return hit->second.has_value();
+        }
     Query q(*this, isVolatile ? "SELECT " ZEL_KEY_COLUMNS " FROM vol.keys WHERE id = ?1"
                               : "SELECT " ZEL_KEY_COLUMNS " FROM main.keys WHERE id = ?1");
-    if (!q.Int(id).Row()) return false;
-    if (row) {
-        row->id = id;
-        row->isVolatile = isVolatile;
-        ReadKeyColumns(q, 0, *row);
+    std::optional<KeyRow> found;
+    if (q.Int(id).Row()) {
+        found.emplace();
+        found->id = id;
+        found->isVolatile = isVolatile;
+        ReadKeyColumns(q, 0, *found);
     }
-    return true;
+    if (failed_) return false;
+    if (row && found) *row = *found;
+    if (caching) keys_.emplace(std::move(kept), found);
+    return found.has_value();
 }
 
 bool HiveDatabase::FindChild(int64_t parent, std::u16string_view name, KeyRow* row) {
+    std::string folded = FoldedKey(name);
+    std::string kept = caching ? CacheKey('c', parent, false, folded) : std::string();
+    if (caching)
+        if (auto hit = keys_.find(kept); hit != keys_.end()) {
+            if (row && hit->second) *row = *hit->second;
+            return hit->second.has_value();
+        }
     Query q(*this, "SELECT id, 0, " ZEL_KEY_COLUMNS
                    " FROM main.keys WHERE parent = ?1 AND folded = ?2 "
                    "UNION ALL SELECT id, 1, " ZEL_KEY_COLUMNS " FROM vol.keys WHERE parent = ?1 AND folded = ?2");
-    if (!q.Int(parent).Folded(FoldedKey(name)).Row()) return false;
-    if (row) {
-        row->id = q.IntAt(0);
-        row->isVolatile = q.IntAt(1) != 0;
-        ReadKeyColumns(q, 2, *row);
+    std::optional<KeyRow> found;
+    if (q.Int(parent).Folded(folded).Row()) {
+        found.emplace();
+        found->id = q.IntAt(0);
+        found->isVolatile = q.IntAt(1) != 0;
+        ReadKeyColumns(q, 2, *found);
     }
-    return true;
+    if (failed_) return false;
+    if (row && found) *row = *found;
+    const bool exists = found.has_value();
+    if (caching) keys_.emplace(std::move(kept), std::move(found));
+    return exists;
 }
 
 bool HiveDatabase::ChildAt(int64_t parent, size_t index, std::u16string& name) {
@@ -233,17 +328,27 @@ KeyCounts HiveDatabase::Counts(const KeyRow& key) {
 }
 
 bool HiveDatabase::FindValue(const KeyRow& key, std::u16string_view name, RegValue* value) {
-    Query q(*this, key.isVolatile ? "SELECT name, type, data FROM vol.vals WHERE "
-                                    "key = ?1 AND folded = ?2"
-                                  : "SELECT name, type, data FROM main.vals "
-                                    "WHERE key = ?1 AND folded = ?2");
-    if (!q.Int(key.id).Folded(FoldedKey(name)).Row()) return false;
-    if (value) {
-        value->name = q.TextAt(0);
-        value->type = static_cast<DWORD>(q.IntAt(1));
-        value->data = q.BytesAt(2);
+    std::string folded = FoldedKey(name);
+    std::string kept = caching ? CacheKey('v', key.id, key.isVolatile, folded) : std::string();
+    if (caching)
+        if (auto hit = values_.find(kept); hit != values_.end()) {
+            if (value && hit->second) *value = *hit->second;
+            return hit->second.has_value();
+        }
+    Query q(*this, key.isVolatile ? "SELECT name, type, data FROM vol.vals WHERE key = ?1 AND folded = ?2"
+                                  : "SELECT name, type, data FROM main.vals WHERE key = ?1 AND folded = ?2");
+    std::optional<RegValue> found;
+    if (q.Int(key.id).Folded(folded).Row()) {
+        found.emplace();
+        found->name = q.TextAt(0);
+        found->type = static_cast<DWORD>(q.IntAt(1));
+        found->data = q.BytesAt(2);
     }
-    return true;
+    if (failed_) return false;
+    if (value && found) *value = *found;
+    const bool exists = found.has_value();
+    if (caching) values_.emplace(std::move(kept), std::move(found));
+    return exists;
 }
 
 bool HiveDatabase::ValueAt(const KeyRow& key, size_t index, RegValue& value) {

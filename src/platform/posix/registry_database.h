@@ -28,8 +28,10 @@
 #include <sys/types.h>
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "platform/posix/registry_tree.h"
@@ -74,7 +76,9 @@ public:
     LONG unwritable = 0;            // why nothing can be written, when path is empty
     dev_t device = 0;               // of the persistent database's file when it was opened
     ino_t inode = 0;
-    pid_t owner = 0;  // the process that opened it
+    pid_t owner = 0;              // the process that opened it
+    unsigned forkGeneration = 0;  // and the number of forks it had gone through then
+    int64_t checkedAt = 0;        // when the path last led to the file (seconds, monotonic)
     sqlite3* db = nullptr;
 
     // Keys.
@@ -112,10 +116,35 @@ public:
     sqlite3_stmt* Prepare(const char* sql);
     void Close(bool keepJournal);
 
+    // Reads of keys and values are kept in memory for as long as no process commits to either
+    // database. A commit changes the header of the database's shared-memory index, which every
+    // process maps; a call compares it with the copy taken before the reads were made, so that
+    // nothing read before a commit is answered after it. Only calls that read use what is kept.
+    void WatchChanges();
+    // Compares the headers with the copies and forgets what was read when they differ.
+    void CheckForChanges();
+    bool caching = false;
+    // A call that reads begins its transaction with its first query, so that a call answered from
+    // memory never touches the databases.
+    bool pendingBegin = false;
+    bool began = false;
+    void BeginIfPending();
+
 private:
+    struct Watched {
+        const uint8_t* header = nullptr;  // the mapped header, or null
+        uint8_t seen[48] = {};
+    };
+    void Watch(Watched& watched, const std::string& database);
+    bool Changed(Watched& watched);
+    void Forget();
+
     int failed_ = 0;
     std::string failure_;
     std::vector<std::pair<const char*, sqlite3_stmt*>> statements_;
+    Watched watched_[2];
+    std::unordered_map<std::string, std::optional<KeyRow>> keys_;      // by id or parent and name
+    std::unordered_map<std::string, std::optional<RegValue>> values_;  // by key and name
 };
 
 // The name of the file layer that the databases are opened with (registry_vfs.cpp).

@@ -17,7 +17,7 @@ LONG RegEnumKeyW(HKEY key, DWORD index, LPWSTR name, DWORD nameSize) {
     KeyRef ref;
     LONG status = CheckHandle(key, KEY_ENUMERATE_SUB_KEYS, ref);
     if (status != ERROR_SUCCESS) return status;
-    return WithHive(ref.hive, false, [&](HiveDatabase& db) -> LONG {
+    return WithHive(ref.hive, Access::Read, [&](HiveDatabase& db) -> LONG {
         KeyRow node;
         LONG found = ResolveRef(db, ref, node);
         if (found != ERROR_SUCCESS) return found;
@@ -40,7 +40,7 @@ LONG RegQueryInfoKeyW(HKEY key, LPWSTR keyClass, LPDWORD classSize, LPDWORD rese
     if (status != ERROR_SUCCESS) return status;
     KeyRow node;
     KeyCounts counts;
-    status = WithHive(ref.hive, false, [&](HiveDatabase& db) -> LONG {
+    status = WithHive(ref.hive, Access::Read, [&](HiveDatabase& db) -> LONG {
         LONG found = ResolveRef(db, ref, node);
         if (found == ERROR_SUCCESS) counts = db.Counts(node);
         return found;
@@ -82,7 +82,7 @@ LONG RegSaveKeyW(HKEY key, LPCWSTR fileName, const SECURITY_ATTRIBUTES* security
         LONG status = CheckHandle(key, 0, ref);
         if (status != ERROR_SUCCESS) return status;
         RegKey top;
-        status = WithHive(ref.hive, false, [&](HiveDatabase& db) -> LONG {
+        status = WithHive(ref.hive, Access::Read, [&](HiveDatabase& db) -> LONG {
             KeyRow node;
             LONG found = ResolveRef(db, ref, node);
             if (found == ERROR_SUCCESS) db.ReadSubtree(node, top);

@@ -58,7 +58,7 @@ LONG RegOpenKeyExW(HKEY key, LPCWSTR subKey, DWORD options, REGSAM access, PHKEY
     LONG status = Locate(key, subKey, false, at);
     if (status != ERROR_SUCCESS) return status;
     KeyRow target;
-    status = WithHive(at.ref.hive, false, [&](HiveDatabase& db) -> LONG {
+    status = WithHive(at.ref.hive, Access::Read, [&](HiveDatabase& db) -> LONG {
         size_t found = 0;
         LONG walked = Walk(db, at, target, found);
         if (walked != ERROR_SUCCESS) return walked;
@@ -99,14 +99,14 @@ LONG RegCreateKeyExW(HKEY key, LPCWSTR subKey, DWORD reserved, LPWSTR keyClass, 
     DWORD how = REG_OPENED_EXISTING_KEY;
     // A key that is there already opens without a write transaction.
     bool exists = false;
-    status = WithHive(at.ref.hive, false, [&](HiveDatabase& db) -> LONG {
+    status = WithHive(at.ref.hive, Access::Read, [&](HiveDatabase& db) -> LONG {
         size_t found = 0;
         LONG walked = Walk(db, at, target, found);
         exists = found == at.parts.size();
         return walked;
     });
     if (status == ERROR_SUCCESS && !exists) {
-        status = WithHive(at.ref.hive, true, [&](HiveDatabase& db) -> LONG {
+        status = WithHive(at.ref.hive, Access::WriteBoth, [&](HiveDatabase& db) -> LONG {
             size_t i = 0;
             LONG walked = Walk(db, at, target, i);
             if (walked != ERROR_SUCCESS || i == at.parts.size()) return walked;
@@ -152,7 +152,7 @@ LONG RegDeleteKeyW(HKEY key, LPCWSTR subKey) {
     Located at;
     LONG status = Locate(key, subKey, false, at);
     if (status != ERROR_SUCCESS) return status;
-    return WithHive(at.ref.hive, true, [&](HiveDatabase& db) -> LONG {
+    return WithHive(at.ref.hive, Access::WriteBoth, [&](HiveDatabase& db) -> LONG {
         KeyRow target;
         size_t found = 0;
         LONG walked = Walk(db, at, target, found);

@@ -19,12 +19,14 @@
 
 #include <errno.h>
 #include <fcntl.h>
+#include <pthread.h>
 #include <sqlite3.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <time.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -48,6 +50,16 @@ std::mutex g_mutex;
 // The connections of this process, made at first use and never destroyed: the library's entry
 // writes the registry at load, whatever the order of other files' constructors.
 constinit HiveDatabase* g_hives[kHiveSlots] = {};
+
+// Forks this process went through: a connection never crosses a fork (the parent's is left alone).
+constinit std::atomic<unsigned> g_forks{0};
+
+// Seconds of the monotonic clock, cheap to read.
+int64_t Seconds() {
+    timespec now{};
+    clock_gettime(CLOCK_MONOTONIC_COARSE, &now);
+    return now.tv_sec;
+}
 
 const char* const kSchema[] = {
     "CREATE TABLE %smeta (name TEXT PRIMARY KEY, value) WITHOUT ROWID",
@@ -348,6 +360,8 @@ LONG Open(HiveDatabase& db) {
     db.Close(false);
     db.Reset();
     db.owner = getpid();
+    db.forkGeneration = g_forks;
+    db.checkedAt = Seconds();
     db.unwritable = ERROR_SUCCESS;
     db.path = db.directory + "/" + kFileBases[db.hive] + ".db";
     LONG status = MakeDirectories(db.directory, 0777);
@@ -358,7 +372,10 @@ LONG Open(HiveDatabase& db) {
         status = OpenHiveDatabase(db.hive, db, generation);
     }
     if (status == ERROR_SUCCESS) status = AttachVolatile(db, generation);
-    if (status != ERROR_SUCCESS) db.Close(true);
+    if (status == ERROR_SUCCESS)
+        db.WatchChanges();
+    else
+        db.Close(true);
     return status;
 }
 
@@ -368,25 +385,48 @@ void CloseAll() {
         if (db && db->owner == getpid()) db->Close(false);
 }
 
+// VolatileDirectory, worked out again only when what it rests on changed: the registry directory
+// (when absolute) and the variables that name the runtime and temporary directories.
+std::string VolatileDirectoryOf(const std::string& dir) {
+    static std::string* const last = new std::string[4];
+    const char* runtime = getenv("XDG_RUNTIME_DIR");
+    const char* temp = getenv("TMPDIR");
+    std::string runtimeText = runtime ? runtime : "", tempText = temp ? temp : "";
+    if (dir.empty() || dir[0] != '/' || last[0] != dir || last[1] != runtimeText || last[2] != tempText ||
+        last[3].empty()) {
+        last[0] = dir;
+        last[1] = runtimeText;
+        last[2] = tempText;
+        last[3] = VolatileDirectory(dir);
+    }
+    return last[3];
+}
+
 // The hive's connection, opened or opened again as needed: when the directories changed, when this
 // process is a fork of the one that opened it (a connection never crosses a fork; the parent's is
 // left alone), and when its database was removed or replaced.
 HiveDatabase* Connect(int hive, LONG& status) {
-    static const bool closesAtExit = atexit(CloseAll) == 0;
-    (void)closesAtExit;
+    static const bool registered = atexit(CloseAll) == 0 && pthread_atfork(nullptr, nullptr, [] { ++g_forks; }) == 0;
+    (void)registered;
     status = ERROR_SUCCESS;
     HiveDatabase*& slot = g_hives[hive];
-    if (slot && slot->owner != getpid()) slot = nullptr;
+    if (slot && slot->forkGeneration != g_forks) slot = nullptr;
     if (!slot) {
         slot = new HiveDatabase;
         slot->hive = hive;
     }
     HiveDatabase& db = *slot;
     std::string dir = RegistryDirectory();
-    std::string vdir = VolatileDirectory(dir);
+    std::string vdir = VolatileDirectoryOf(dir);
     if (db.db && db.directory == dir && db.volatileDirectory == vdir && !db.unwritable) {
+        // Whether the path still leads to the file opened is asked once a second at most.
+        int64_t now = Seconds();
+        if (now == db.checkedAt) return &db;
         struct stat st;
-        if (stat(db.path.c_str(), &st) == 0 && st.st_dev == db.device && st.st_ino == db.inode) return &db;
+        if (stat(db.path.c_str(), &st) == 0 && st.st_dev == db.device && st.st_ino == db.inode) {
+            db.checkedAt = now;
+            return &db;
+        }
         if (errno == ENOENT)
             fprintf(stderr, "zel: registry: %s was removed while in use; starting afresh\n", db.path.c_str());
         // Another process set it aside or it was removed: the log at the path is not this file's.
@@ -457,10 +497,26 @@ void Step(HiveDatabase& db, const char* sql) {
     if (rc != SQLITE_DONE) db.Fail(rc);
 }
 
-LONG Transaction(HiveDatabase& db, bool write, HiveBody body, void* context) {
-    Step(db, write ? "BEGIN IMMEDIATE" : "BEGIN");
-    if (db.failed()) return ERROR_SUCCESS;
-    LONG status = body(context, db);
+// A call's transaction: a write transaction at once for a call that writes; for a call that reads,
+// one begun by its first query, if it needs one at all.
+LONG Transaction(HiveDatabase& db, Access access, HiveBody body, void* context) {
+    const bool write = access != Access::Read;
+    db.began = false;
+    db.caching = db.pendingBegin = !write;
+    if (write) {
+        Step(db, "BEGIN");
+        if (db.failed()) return ERROR_SUCCESS;
+        db.began = true;
+        // A write of nothing takes the database's write lock, waiting for other writers.
+        if (access != Access::WriteVolatile) Step(db, "UPDATE main.meta SET value = value WHERE 0");
+        if (access != Access::Write && !db.failed()) Step(db, "UPDATE vol.meta SET value = value WHERE 0");
+    } else {
+        db.CheckForChanges();
+    }
+    LONG status = db.failed() ? ERROR_SUCCESS : body(context, db);
+    db.caching = db.pendingBegin = false;
+    if (!db.began) return status;
+    db.began = false;
     if (status == ERROR_SUCCESS && !db.failed()) {
         Step(db, "COMMIT");
         if (!db.failed()) return status;
@@ -497,14 +553,14 @@ bool HiveExists(int hive) { return hive >= 0 && hive < kHiveSlots && kFileBases[
 
 bool VolatileKeysAllowed(const HiveDatabase& db) { return !db.volatilePath.empty(); }
 
-LONG RunOnHive(int hive, bool write, HiveBody body, void* context) {
+LONG RunOnHive(int hive, Access access, HiveBody body, void* context) {
     for (int attempt = 0;; ++attempt) {
         LONG status = ERROR_SUCCESS;
         HiveDatabase* db = Connect(hive, status);
         if (!db) return status;
-        if (write && db->unwritable) return db->unwritable;
+        if (access != Access::Read && db->unwritable) return db->unwritable;
         db->Reset();
-        status = Transaction(*db, write, body, context);
+        status = Transaction(*db, access, body, context);
         if (!db->failed()) return status;
         int failed = db->failed();
         if (attempt == 0 && Damaged(failed) && Recover(*db)) continue;

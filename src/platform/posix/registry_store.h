@@ -40,23 +40,29 @@ std::mutex& RegistryMutex();
 std::string RegistryDirectory();
 std::string VolatileDirectory(const std::string& registryDirectory);
 
+// What a call does to a hive's databases: reads, or writes the persistent one, the volatile one or
+// both. A call that writes takes the write lock of each database it names at its start, and of no
+// other, so that writers of one database do not wait for writers of the other.
+enum class Access { Read, Write, WriteVolatile, WriteBoth };
+inline Access WriteTo(bool isVolatile) { return isVolatile ? Access::WriteVolatile : Access::Write; }
+
 // Runs body in one transaction on the hive's databases: a write transaction when writing, else a
 // read transaction. The transaction commits when body answers ERROR_SUCCESS and rolls back
 // otherwise. A database found damaged on the way is set aside and made afresh, with a line on
 // standard error, and body runs once more on the fresh one. The status is body's, or that of the
 // database's failure.
 template <typename Body>
-LONG WithHive(int hive, bool write, Body&& body);
+LONG WithHive(int hive, Access access, Body&& body);
 
 // What WithHive runs on: body behind a plain pointer, so that the store needs no template.
 using HiveBody = LONG (*)(void* context, HiveDatabase& db);
-LONG RunOnHive(int hive, bool write, HiveBody body, void* context);
+LONG RunOnHive(int hive, Access access, HiveBody body, void* context);
 
 template <typename Body>
-LONG WithHive(int hive, bool write, Body&& body) {
+LONG WithHive(int hive, Access access, Body&& body) {
     using Callable = std::remove_reference_t<Body>;
     return RunOnHive(
-        hive, write, [](void* context, HiveDatabase& db) -> LONG { return (*static_cast<Callable*>(context))(db); },
+        hive, access, [](void* context, HiveDatabase& db) -> LONG { return (*static_cast<Callable*>(context))(db); },
         const_cast<void*>(static_cast<const void*>(&body)));
 }
 

@@ -21,7 +21,7 @@ LONG RegQueryValueExW(HKEY key, LPCWSTR valueName, LPDWORD reserved, LPDWORD typ
     KeyRef ref;
     LONG status = CheckHandle(key, KEY_QUERY_VALUE, ref);
     if (status != ERROR_SUCCESS) return status;
-    return WithHive(ref.hive, false, [&](HiveDatabase& db) -> LONG {
+    return WithHive(ref.hive, Access::Read, [&](HiveDatabase& db) -> LONG {
         KeyRow node;
         LONG found = ResolveRef(db, ref, node);
         if (found != ERROR_SUCCESS) return found;
@@ -47,7 +47,7 @@ LONG RegEnumValueW(HKEY key, DWORD index, LPWSTR valueName, LPDWORD valueNameSiz
     KeyRef ref;
     LONG status = CheckHandle(key, KEY_QUERY_VALUE, ref);
     if (status != ERROR_SUCCESS) return status;
-    return WithHive(ref.hive, false, [&](HiveDatabase& db) -> LONG {
+    return WithHive(ref.hive, Access::Read, [&](HiveDatabase& db) -> LONG {
         KeyRow node;
         LONG found = ResolveRef(db, ref, node);
         if (found != ERROR_SUCCESS) return found;
@@ -77,7 +77,7 @@ LONG RegSetValueExW(HKEY key, LPCWSTR valueName, DWORD reserved, DWORD type, con
     KeyRef ref;
     if (!LookUpHandle(key, ref)) return ERROR_INVALID_HANDLE;
     if (!(ref.access & KEY_SET_VALUE)) return ERROR_ACCESS_DENIED;
-    return WithHive(ref.hive, true, [&](HiveDatabase& db) -> LONG {
+    return WithHive(ref.hive, WriteTo(ref.isVolatile), [&](HiveDatabase& db) -> LONG {
         KeyRow node;
         LONG status = ResolveRef(db, ref, node);
         if (status != ERROR_SUCCESS) return status;
@@ -93,7 +93,7 @@ LONG RegDeleteValueW(HKEY key, LPCWSTR valueName) {
     KeyRef ref;
     LONG status = CheckHandle(key, KEY_SET_VALUE, ref);
     if (status != ERROR_SUCCESS) return status;
-    return WithHive(ref.hive, true, [&](HiveDatabase& db) -> LONG {
+    return WithHive(ref.hive, WriteTo(ref.isVolatile), [&](HiveDatabase& db) -> LONG {
         KeyRow node;
         LONG found = ResolveRef(db, ref, node);
         if (found != ERROR_SUCCESS) return found;
