@@ -147,8 +147,10 @@ private:
     std::unordered_map<std::string, std::optional<RegValue>> values_;  // by key and name
 };
 
-// The name of the file layer that the databases are opened with (registry_vfs.cpp).
+// The name of the file layer that the databases are opened with (registry_vfs.cpp), and its removal
+// from SQLite's list once every connection is closed, when the library is unloaded or the process ends.
 const char* RegistryVfs();
+void ForgetRegistryVfs();
 
 // The upper-cased name as the databases keep it: units high byte first.
 std::string FoldedKey(std::u16string_view name);

@@ -379,10 +379,12 @@ LONG Open(HiveDatabase& db) {
     return status;
 }
 
+// At the end of the process, or when this copy of the library is unloaded.
 void CloseAll() {
     std::lock_guard<std::mutex> lock(g_mutex);
     for (HiveDatabase* db : g_hives)
-        if (db && db->owner == getpid()) db->Close(false);
+        if (db && db->forkGeneration == g_forks) db->Close(false);
+    ForgetRegistryVfs();
 }
 
 // VolatileDirectory, worked out again only when what it rests on changed: the registry directory

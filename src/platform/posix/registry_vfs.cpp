@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdio>
 
 #include "platform/posix/registry_database.h"
 #include "platform/posix/registry_files.h"
@@ -26,6 +27,8 @@ struct GatedVfs {
     sqlite3_vfs* system = nullptr;
     Methods methods[kMethodTables];
     int devNull = -1;
+    bool registered = false;
+    char name[40] = {};
 };
 
 // Built at first use and never destroyed: SQLite keeps a pointer to it for the process's life.
@@ -63,19 +66,32 @@ int GatedOpen(sqlite3_vfs*, sqlite3_filename name, sqlite3_file* file, int flags
 
 }  // namespace
 
+// Registered under a name of this copy of the library alone, which lives in the heap: a process may
+// load the library twice (a program linked with its objects that also opens the shared library),
+// and a copy that is unloaded must leave no pointer into itself behind in SQLite's list.
 const char* RegistryVfs() {
     if (!g_gated) {
         auto* gated = new GatedVfs;
         gated->system = sqlite3_vfs_find(nullptr);
         gated->vfs = *gated->system;
-        gated->vfs.zName = "zel-registry";
+        gated->vfs.zName = gated->name;
+        snprintf(gated->name, sizeof gated->name, "zel-registry-%p", static_cast<void*>(gated));
         gated->vfs.xOpen = GatedOpen;
         gated->vfs.pNext = nullptr;
         gated->devNull = open("/dev/null", O_WRONLY | O_CLOEXEC);
         g_gated = gated;
-        sqlite3_vfs_register(&gated->vfs, 0);
     }
-    return g_gated->vfs.zName;
+    if (!g_gated->registered) {
+        sqlite3_vfs_register(&g_gated->vfs, 0);
+        g_gated->registered = true;
+    }
+    return g_gated->name;
+}
+
+void ForgetRegistryVfs() {
+    if (!g_gated || !g_gated->registered) return;
+    sqlite3_vfs_unregister(&g_gated->vfs);
+    g_gated->registered = false;
 }
 
 }  // namespace zelreg
