@@ -79,6 +79,7 @@ public:
     pid_t owner = 0;              // the process that opened it
     unsigned forkGeneration = 0;  // and the number of forks it had gone through then
     int64_t checkedAt = 0;        // when the path last led to the file (seconds, monotonic)
+    bool hiveSetAside = false;    // this process set the persistent database aside while opening it
     sqlite3* db = nullptr;
 
     // Keys.

@@ -250,7 +250,7 @@ Opened CheckDatabase(sqlite3* db, const char* schema, const std::string& path, i
     std::string sql = std::string("PRAGMA ") + schema + ".application_id";
     if (!ReadInteger(db, sql.c_str(), id, why, code)) {
         if (!Damaged(code)) return Opened::Failed;
-        SetAside(path, "is not a database (" + why + ")");
+        SetAside(path, ((code & 0xFF) == SQLITE_NOTADB ? "is not a database (" : "is damaged (") + why + ")");
         return Opened::SetAside;
     }
     sql = std::string("SELECT value FROM ") + schema + ".meta WHERE name = 'generation'";
@@ -274,6 +274,7 @@ LONG OpenHiveDatabase(int hive, HiveDatabase& db, int64_t& generation) {
         }
         if (st.st_size == 0) {
             SetAside(db.path, "is empty");
+            db.hiveSetAside = true;
             continue;
         }
         if (sqlite3_open_v2(db.path.c_str(), &db.db, SQLITE_OPEN_READWRITE, RegistryVfs()) != SQLITE_OK) {
@@ -289,6 +290,7 @@ LONG OpenHiveDatabase(int hive, HiveDatabase& db, int64_t& generation) {
         if (opened == Opened::Ok) return ERROR_SUCCESS;
         db.Close(true);
         if (opened == Opened::Failed) return ERROR_REGISTRY_IO_FAILED;
+        db.hiveSetAside = true;
     }
     return ERROR_REGISTRY_CORRUPT;
 }
@@ -331,7 +333,11 @@ LONG AttachVolatile(HiveDatabase& db, int64_t generation) {
             }
             Exec(db.db, "DETACH DATABASE vol");
             if (opened == Opened::Failed) break;
-            if (opened == Opened::Ok) SetAside(path, "belongs to a hive database that is gone");
+            // Volatile keys of a hive that was just set aside go with it, unsaid: one line tells of both.
+            if (opened == Opened::Ok && db.hiveSetAside)
+                RemoveLeftovers(path);
+            else if (opened == Opened::Ok)
+                SetAside(path, "belongs to a hive database that is gone");
         }
     }
     // An untrusted or unusable runtime directory: volatile keys cannot be made.
@@ -372,6 +378,7 @@ LONG Open(HiveDatabase& db) {
         status = OpenHiveDatabase(db.hive, db, generation);
     }
     if (status == ERROR_SUCCESS) status = AttachVolatile(db, generation);
+    db.hiveSetAside = false;
     if (status == ERROR_SUCCESS)
         db.WatchChanges();
     else
@@ -461,6 +468,7 @@ bool Recover(HiveDatabase& db) {
         struct stat st;
         // Another process may have set it aside already.
         if (stat(db.path.c_str(), &st) == 0 && st.st_dev == device && st.st_ino == inode) SetAside(db.path, why);
+        db.hiveSetAside = true;
     }
     if (volatileBad) {
         DirectoryLock lock(db.volatileDirectory);
