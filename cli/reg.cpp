@@ -13,6 +13,9 @@
 #include "registry_text.h"
 #include "text.h"
 
+// export and import (reg_hive_text.cpp): -1 when the arguments are not theirs.
+int RunRegHiveText(const Args& args);
+
 namespace {
 
 int Usage(int status) {
@@ -26,7 +29,10 @@ int Usage(int status) {
            "delete KEY [NAME]         the value NAME of KEY, or KEY with everything below it\n"
            "save KEY FILE             KEY with everything below it to a registry file\n"
            "load FILE                 a registry file back into the registry, where it was saved from\n"
-           "dump FILE                 the header and sections of a registry file\n\n"
+           "dump FILE                 the header and sections of a registry file\n"
+           "export KEY FILE           KEY with everything below it (HKCU: the whole hive) as UTF-8 text\n"
+           "                          that diff can compare; FILE - is standard output\n"
+           "import FILE               such a text back into the registry\n\n"
            "KEY begins with HKCU or HKLM (or HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE, HKCR) and a\n"
            "backslash; registry files hold keys below HKCU. An empty NAME is the key's unnamed value.\n"
            "ZEL_REGISTRY_DIR names the directory of the registry's files.\n");
@@ -199,6 +205,10 @@ int RunReg(const Args& args) {
     if (args.empty()) return Usage(2);
     if (WantsHelp(args)) return Usage(0);
     const std::string& action = args[0];
+    if (action == "export" || action == "import") {
+        int status = RunRegHiveText(args);
+        return status >= 0 ? status : Usage(2);
+    }
     if (action == "dump" && args.size() == 2) return Dump(args[1]);
     if (action == "load" && args.size() == 2) return Load(args[1]);
     if (action == "set" && args.size() == 6 && args[1] == "--volatile") {
