@@ -149,7 +149,7 @@ private:
 };
 
 // The name of the file layer that the databases are opened with (registry_vfs.cpp), and its removal
-// from SQLite's list once every connection is closed, when the library is unloaded or the process ends.
+// once every connection is closed, when the library is unloaded or the process ends.
 const char* RegistryVfs();
 void ForgetRegistryVfs();
 

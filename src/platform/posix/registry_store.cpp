@@ -51,6 +51,9 @@ std::mutex g_mutex;
 // writes the registry at load, whatever the order of other files' constructors.
 constinit HiveDatabase* g_hives[kHiveSlots] = {};
 
+// The last answer of VolatileDirectoryOf and what it rested on.
+constinit std::string* g_lastVolatile = nullptr;
+
 // Forks this process went through: a connection never crosses a fork (the parent's is left alone).
 constinit std::atomic<unsigned> g_forks{0};
 
@@ -387,17 +390,25 @@ LONG Open(HiveDatabase& db) {
 }
 
 // At the end of the process, or when this copy of the library is unloaded.
+// What is made at first use goes too, for a copy of the library that is unloaded; a call after
+// this makes it again.
 void CloseAll() {
     std::lock_guard<std::mutex> lock(g_mutex);
-    for (HiveDatabase* db : g_hives)
+    for (HiveDatabase*& db : g_hives) {
         if (db && db->forkGeneration == g_forks) db->Close(false);
+        delete db;
+        db = nullptr;
+    }
+    delete[] g_lastVolatile;
+    g_lastVolatile = nullptr;
     ForgetRegistryVfs();
 }
 
 // VolatileDirectory, worked out again only when what it rests on changed: the registry directory
 // (when absolute) and the variables that name the runtime and temporary directories.
 std::string VolatileDirectoryOf(const std::string& dir) {
-    static std::string* const last = new std::string[4];
+    if (!g_lastVolatile) g_lastVolatile = new std::string[4];
+    std::string* last = g_lastVolatile;
     const char* runtime = getenv("XDG_RUNTIME_DIR");
     const char* temp = getenv("TMPDIR");
     std::string runtimeText = runtime ? runtime : "", tempText = temp ? temp : "";

@@ -89,9 +89,11 @@ const char* RegistryVfs() {
 }
 
 void ForgetRegistryVfs() {
-    if (!g_gated || !g_gated->registered) return;
-    sqlite3_vfs_unregister(&g_gated->vfs);
-    g_gated->registered = false;
+    if (!g_gated) return;
+    if (g_gated->registered) sqlite3_vfs_unregister(&g_gated->vfs);
+    if (g_gated->devNull >= 0) close(g_gated->devNull);
+    delete g_gated;
+    g_gated = nullptr;
 }
 
 }  // namespace zelreg
