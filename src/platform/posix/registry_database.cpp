@@ -9,6 +9,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstring>
 
 namespace zelreg {
@@ -315,14 +316,15 @@ KeyCounts HiveDatabase::Counts(const KeyRow& key) {
             counts.longestClass = static_cast<size_t>(q.IntAt(2)) / sizeof(char16_t);
         }
     }
-    Query q(*this, key.isVolatile ? "SELECT count(*), max(length(name)), max(length(data)) "
+    Query q(*this, key.isVolatile ? "SELECT count(*), max(length(name)), max(length(data)), max(written) "
                                     "FROM vol.vals WHERE key = ?1"
-                                  : "SELECT count(*), max(length(name)), max(length(data)) "
+                                  : "SELECT count(*), max(length(name)), max(length(data)), max(written) "
                                     "FROM main.vals WHERE key = ?1");
     if (q.Int(key.id).Row()) {
         counts.values = static_cast<size_t>(q.IntAt(0));
         counts.longestValueName = static_cast<size_t>(q.IntAt(1)) / sizeof(char16_t);
         counts.largestData = static_cast<size_t>(q.IntAt(2));
+        counts.lastWrite = std::max(key.lastWrite, static_cast<uint64_t>(q.IntAt(3)));
     }
     return counts;
 }
@@ -364,20 +366,19 @@ bool HiveDatabase::ValueAt(const KeyRow& key, size_t index, RegValue& value) {
 }
 
 void HiveDatabase::SetValue(const KeyRow& key, std::u16string_view name, DWORD type, const BYTE* data, DWORD size) {
-    // A value set again keeps its name as first written and its place in the order of creation.
-    Query q(*this, key.isVolatile ? "INSERT INTO vol.vals (key, folded, seq, "
-                                    "name, type, data) VALUES (?1, ?2, "
-                                    "(SELECT coalesce(max(seq), 0) + 1 FROM "
-                                    "vol.vals WHERE key = ?1), ?3, ?4, ?5) "
-                                    "ON CONFLICT (key, folded) DO UPDATE SET "
-                                    "type = excluded.type, data = excluded.data"
-                                  : "INSERT INTO main.vals (key, folded, seq, "
-                                    "name, type, data) VALUES (?1, ?2, "
-                                    "(SELECT coalesce(max(seq), 0) + 1 FROM "
-                                    "main.vals WHERE key = ?1), ?3, ?4, ?5) "
-                                    "ON CONFLICT (key, folded) DO UPDATE SET "
-                                    "type = excluded.type, data = excluded.data");
-    q.Int(key.id).Folded(FoldedKey(name)).Text(name).Int(type).Bytes(data, size).Run();
+    // A value set again keeps its name as first written and its place in the order of creation. Its
+    // time of writing stands for its key's, which then need not be written as well.
+    Query q(*this, key.isVolatile
+                       ? "INSERT INTO vol.vals (key, folded, seq, name, type, data, written) VALUES (?1, ?2, "
+                         "(SELECT coalesce(max(seq), 0) + 1 FROM vol.vals WHERE key = ?1), ?3, ?4, ?5, ?6) "
+                         "ON CONFLICT (key, folded) DO UPDATE SET type = excluded.type, data = excluded.data, "
+                         "written = excluded.written"
+                       : "INSERT INTO main.vals (key, folded, seq, name, type, data, written) VALUES (?1, ?2, "
+                         "(SELECT coalesce(max(seq), 0) + 1 FROM main.vals WHERE key = ?1), ?3, ?4, ?5, ?6) "
+                         "ON CONFLICT (key, folded) DO UPDATE SET type = excluded.type, data = excluded.data, "
+                         "written = excluded.written");
+    q.Int(key.id).Folded(FoldedKey(name)).Text(name).Int(type).Bytes(data, size);
+    q.Int(static_cast<int64_t>(NowFileTime())).Run();
 }
 
 bool HiveDatabase::DeleteValue(const KeyRow& key, std::u16string_view name) {
@@ -391,7 +392,7 @@ bool HiveDatabase::DeleteValue(const KeyRow& key, std::u16string_view name) {
 
 void HiveDatabase::ReadSubtree(const KeyRow& key, RegKey& top) {
     top.keyClass = key.keyClass;
-    top.lastWrite = key.lastWrite;
+    top.lastWrite = Counts(key).lastWrite;
     top.isVolatile = key.isVolatile;
     top.id = static_cast<uint64_t>(key.id);
     RegValue value;
@@ -420,8 +421,8 @@ void HiveDatabase::WriteTree(const RegKey& top, int64_t id) {
     int64_t seq = 0;
     for (const RegValue& value : top.values) {
         Query(*this,
-              "INSERT OR REPLACE INTO main.vals (key, folded, seq, name, "
-              "type, data) VALUES (?1, ?2, ?3, ?4, ?5, ?6)")
+              "INSERT OR REPLACE INTO main.vals (key, folded, seq, name, type, data, written) "
+              "VALUES (?1, ?2, ?3, ?4, ?5, ?6, 0)")
             .Int(id)
             .Folded(FoldedKey(value.name))
             .Int(++seq)

@@ -53,10 +53,12 @@ struct KeyRow {
     uint64_t lastWrite = 0;
 };
 
-// Counts and longest sizes, for RegQueryInfoKey.
+// Counts and longest sizes, for RegQueryInfoKey, and the key's time of last write: its own or that
+// of its value written last, whichever is later.
 struct KeyCounts {
     size_t subKeys = 0, longestSubKey = 0, longestClass = 0;
     size_t values = 0, longestValueName = 0, largestData = 0;
+    uint64_t lastWrite = 0;
 };
 
 // The open connection to one hive. Queries record the first failure of the database; the caller

@@ -55,7 +55,7 @@ LONG RegQueryInfoKeyW(HKEY key, LPWSTR keyClass, LPDWORD classSize, LPDWORD rese
     if (maxValueLen) *maxValueLen = static_cast<DWORD>(counts.largestData);
     // Keys carry no security descriptor here.
     if (securityDescriptorSize) *securityDescriptorSize = 0;
-    if (lastWriteTime) *lastWriteTime = ToFileTime(node.lastWrite);
+    if (lastWriteTime) *lastWriteTime = ToFileTime(counts.lastWrite);
 
     if (classSize) {
         const std::u16string& own = node.keyClass;

@@ -47,8 +47,8 @@ constexpr char16_t kSoftware[] = u"Software";
 
 std::mutex g_mutex;
 
-// The connections of this process, made at first use and never destroyed: the library's entry
-// writes the registry at load, whatever the order of other files' constructors.
+// The connections of this process, made at first use, as the library's entry writes the registry at
+// load whatever the order of other files' constructors; freed only by CloseAll.
 constinit HiveDatabase* g_hives[kHiveSlots] = {};
 
 // The last answer of VolatileDirectoryOf and what it rested on.
@@ -66,14 +66,12 @@ int64_t Seconds() {
 
 const char* const kSchema[] = {
     "CREATE TABLE %smeta (name TEXT PRIMARY KEY, value) WITHOUT ROWID",
-    "CREATE TABLE %skeys (id INTEGER PRIMARY KEY, parent INTEGER NOT NULL, "
-    "folded BLOB NOT NULL, "
+    "CREATE TABLE %skeys (id INTEGER PRIMARY KEY, parent INTEGER NOT NULL, folded BLOB NOT NULL, "
     "name BLOB NOT NULL, class BLOB NOT NULL, written INTEGER NOT NULL)",
     "CREATE UNIQUE INDEX %skeys_by_name ON keys (parent, folded)",
-    "CREATE TABLE %svals (key INTEGER NOT NULL, folded BLOB NOT NULL, seq "
-    "INTEGER NOT NULL, name BLOB NOT NULL, "
-    "type INTEGER NOT NULL, data BLOB NOT NULL, PRIMARY KEY (key, folded)) "
-    "WITHOUT ROWID",
+    "CREATE TABLE %svals (key INTEGER NOT NULL, folded BLOB NOT NULL, seq INTEGER NOT NULL, "
+    "name BLOB NOT NULL, type INTEGER NOT NULL, data BLOB NOT NULL, written INTEGER NOT NULL, "
+    "PRIMARY KEY (key, folded)) WITHOUT ROWID",
     "CREATE UNIQUE INDEX %svals_in_order ON vals (key, seq)",
 };
 

@@ -82,7 +82,6 @@ LONG RegSetValueExW(HKEY key, LPCWSTR valueName, DWORD reserved, DWORD type, con
         LONG status = ResolveRef(db, ref, node);
         if (status != ERROR_SUCCESS) return status;
         db.SetValue(node, name, type, data, dataSize);
-        db.Touch(node.id, node.isVolatile);
         return ERROR_SUCCESS;
     });
 }
