@@ -35,14 +35,13 @@ std::u16string Number(const char16_t* prefix, int n) {
     return text;
 }
 
-// A directory of the benchmark's own, removed at the end.
+// A directory of the benchmark's own, removed at the end of main.
 struct BenchDirectory {
     BenchDirectory() {
         char name[] = "/tmp/zel_bench_registry_XXXXXX";
         if (!mkdtemp(name)) std::abort();
         path = name;
     }
-    ~BenchDirectory() { std::filesystem::remove_all(path); }
     std::string path;
 };
 
@@ -329,5 +328,6 @@ int main(int argc, char** argv) {
     std::printf("  writers killed: %d trials, %d opened, %d of %d acknowledged values lost, %d files left\n",
                 kills.trials, kills.opened, kills.lost, kills.acknowledged, kills.leftovers);
     benchmark::Shutdown();
+    std::filesystem::remove_all(Root().path);
     return 0;
 }
