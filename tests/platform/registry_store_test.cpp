@@ -172,6 +172,30 @@ TEST_F(RegistryStore, AHiveFileOfTheOlderFormatIsImportedOnceLoadingWhatItCan) {
     EXPECT_EQ(importFrom("not a hive at all"), Names{});
 }
 
+TEST_F(RegistryStore, AFailedWriteChangesNothingAndLeavesNoFile) {
+    HKEY key = Create(u"Software\\Seam");
+    ASSERT_EQ(SetDword(key, u"kept", 1), ERROR_SUCCESS);
+    {
+        FailingWrites failing;
+        EXPECT_EQ(SetDword(key, u"lost", 2), ERROR_DISK_FULL);
+        HKEY sub = nullptr;
+        EXPECT_EQ(RegCreateKeyExW(key, u"Lost\\Deeper", 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &sub, nullptr),
+                  ERROR_DISK_FULL);
+        EXPECT_EQ(sub, nullptr);
+        EXPECT_EQ(RegDeleteValueW(key, u"kept"), ERROR_DISK_FULL);
+        // What the failed calls did not change still reads.
+        EXPECT_EQ(ValueNames(key), Names{u"kept"});
+    }
+    EXPECT_EQ(ValueNames(key), Names{u"kept"});
+    EXPECT_EQ(SubKeys(key), Names{});
+    EXPECT_EQ(zeltest::RunInChild([] { return ReadText(u"Software\\Seam\\Lost", nullptr) == u"<status 2>" ? 0 : 1; }),
+              0);
+    for (const std::string& file : FilesIn(dir_.file("registry")))
+        EXPECT_EQ(file.rfind("current_user.db", 0), 0u) << file;
+    EXPECT_EQ(SetDword(key, u"now", 3), ERROR_SUCCESS);
+    RegCloseKey(key);
+}
+
 TEST_F(RegistryStore, SaveKeyWritesTheSubtreeOnceAndNeverOverwrites) {
     HKEY key = Create(u"Software\\ToSave");
     ASSERT_EQ(SetText(key, u"top", u"level"), ERROR_SUCCESS);
