@@ -29,13 +29,19 @@ const char kRegUsage[] =
     "delete KEY [NAME]         the value NAME of KEY, or KEY with everything below it\n"
     "save KEY FILE             KEY with everything below it to a registry file\n"
     "load FILE                 a registry file back into the registry, where it was saved from\n"
-    "dump FILE                 the header and sections of a registry file\n\n"
+    "dump FILE                 the header and sections of a registry file\n"
+    "export KEY FILE           KEY with everything below it (HKCU: the whole hive) as UTF-8 text\n"
+    "                          that diff can compare; FILE - is standard output\n"
+    "import FILE               such a text back into the registry\n\n"
     "KEY begins with HKCU or HKLM (or HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE, HKCR) and a\n"
     "backslash; below the hive it holds 519 characters at most, 255 a name. An empty NAME is the\n"
     "key's unnamed value; a NAME holds 259 bytes at most in the ANSI code page. Registry files hold\n"
     "keys below HKCU whose paths and names fit in 259 bytes; save writes a new copy beside FILE,\n"
     "reads it back and only then puts it in the old one's place.\n"
     "ZEL_REGISTRY_DIR names the directory of the registry's files.\n";
+
+// export and import (reg_hive_text.cpp): -1 when the arguments are not theirs.
+int RunRegHiveText(const Args& args);
 
 namespace {
 
@@ -291,6 +297,10 @@ int Dump(const std::string& file) {
 int RunReg(const Args& args) {
     if (args.empty()) return Misuse("no action given");
     const std::string& action = args[0];
+    if (action == "export" || action == "import") {
+        int status = RunRegHiveText(args);
+        return status >= 0 ? status : Misuse("export takes KEY and FILE, import takes FILE");
+    }
     if (action == "dump" && args.size() == 2) return Dump(args[1]);
     if (action == "load" && args.size() == 2) return Load(args[1]);
     const bool isVolatile = action == "set" && args.size() == 6 && args[1] == "--volatile";

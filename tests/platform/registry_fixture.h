@@ -21,7 +21,7 @@ protected:
     zeltest::ScopedEnv runtimeDir_{"XDG_RUNTIME_DIR", dir_.file("run")};
     zeltest::ScopedEnv ansiCodePage_{"ZEL_ACP", "1252"};
 
-    std::string HiveFile() const { return dir_.file("registry/current_user.hive"); }
+    std::string HiveFile() const { return dir_.file("registry/current_user.db"); }
 
     // A key made (or opened) with every right; null on failure.
     static HKEY Create(const char16_t* path, DWORD options = REG_OPTION_NON_VOLATILE, HKEY parent = HKEY_CURRENT_USER,

@@ -1,5 +1,5 @@
-// The registry on disk: what lasts past a process, what processes share, volatile keys, damaged
-// files, failed writes and saved keys.
+// The registry on disk: what lasts past a process, what processes share, volatile keys, hive files
+// of the older format and saved keys.
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -16,9 +16,24 @@ using RegistryStore = RegistryTest;
 
 namespace {
 
-// Whether bytes hold name as UTF-16 text, as the hive files store names.
+// Whether bytes hold name as UTF-16 text, as the databases and the hive files store names.
 bool HoldsName(const std::string& bytes, const std::u16string& name) {
     return bytes.find(std::string(reinterpret_cast<const char*>(name.data()), name.size() * 2)) != std::string::npos;
+}
+
+// What a database holds on disk: the file and its write-ahead log.
+std::string DatabaseBytes(const std::string& path) {
+    std::string bytes = zeltest::ReadFile(path);
+    if (access((path + "-wal").c_str(), F_OK) == 0) bytes += zeltest::ReadFile(path + "-wal");
+    return bytes;
+}
+
+// The names in a directory, sorted.
+std::vector<std::string> FilesIn(const std::string& dir) {
+    std::vector<std::string> files;
+    for (const auto& entry : std::filesystem::directory_iterator(dir)) files.push_back(entry.path().filename());
+    std::sort(files.begin(), files.end());
+    return files;
 }
 
 // Makes every file write fail as a full disk does, for the guard's lifetime.
@@ -44,7 +59,7 @@ TEST_F(RegistryStore, WhatAChildProcessWritesReachesTheParentsOpenHandle) {
     EXPECT_EQ(ValueNames(shared), Names{u"before"});
     EXPECT_EQ(ReadText(u"software\\shared\\fromchild", u"said"), u"hello");
     RegCloseKey(shared);
-    EXPECT_TRUE(HoldsName(zeltest::ReadFile(HiveFile()), u"FromChild"));
+    EXPECT_TRUE(HoldsName(DatabaseBytes(HiveFile()), u"FromChild"));
 }
 
 TEST_F(RegistryStore, TwoProcessesWritingAtOnceLoseNoValue) {
@@ -83,9 +98,9 @@ TEST_F(RegistryStore, TwoProcessesWritingAtOnceLoseNoValue) {
     for (int w = 0; w < 2; ++w)
         for (int i = 0; i < kPerWriter; ++i) {
             DWORD value = 0, size = sizeof value;
-            ASSERT_EQ(RegQueryValueExW(key, name(w, i).c_str(), nullptr, nullptr, reinterpret_cast<LPBYTE>(&value),
-                                       &size),
-                      ERROR_SUCCESS);
+            ASSERT_EQ(
+                RegQueryValueExW(key, name(w, i).c_str(), nullptr, nullptr, reinterpret_cast<LPBYTE>(&value), &size),
+                ERROR_SUCCESS);
             EXPECT_EQ(value, static_cast<DWORD>(w * 1000 + i));
         }
     RegCloseKey(key);
@@ -95,7 +110,7 @@ TEST_F(RegistryStore, WithoutADirectoryNamedTheHivesGoBelowTheConfigurationHome)
     zeltest::ScopedEnv noDirectory("ZEL_REGISTRY_DIR", std::nullopt);
     zeltest::ScopedEnv config("XDG_CONFIG_HOME", dir_.file("config"));
     RegCloseKey(Create(u"Software\\Default"));
-    EXPECT_TRUE(HoldsName(zeltest::ReadFile(dir_.file("config/Morvalis/registry/current_user.hive")), u"Default"));
+    EXPECT_TRUE(HoldsName(DatabaseBytes(dir_.file("config/Morvalis/registry/current_user.db")), u"Default"));
 }
 
 TEST_F(RegistryStore, VolatileKeysStayOutOfTheHiveFileYetOtherProcessesSeeThem) {
@@ -104,7 +119,7 @@ TEST_F(RegistryStore, VolatileKeysStayOutOfTheHiveFileYetOtherProcessesSeeThem) 
     RegCloseKey(Create(u"Software\\Made\\Transient", REG_OPTION_VOLATILE));
     RegCloseKey(fleeting);
 
-    std::string hive = zeltest::ReadFile(HiveFile());
+    std::string hive = DatabaseBytes(HiveFile());
     for (const char16_t* name : {u"Fleeting", u"Mood", u"Transient"}) EXPECT_FALSE(HoldsName(hive, name));
     EXPECT_TRUE(HoldsName(hive, u"Made"));  // the parent made on the way lasts
 
@@ -115,61 +130,68 @@ TEST_F(RegistryStore, VolatileKeysStayOutOfTheHiveFileYetOtherProcessesSeeThem) 
     EXPECT_EQ(ReadText(u"Software\\Fleeting", u"Mood"), u"<status 2>");
 }
 
-TEST_F(RegistryStore, ADamagedOrTruncatedHiveLoadsWhatItCan) {
-    const Names keys{u"Software\\K1", u"Software\\K2", u"Software\\K3", u"Software\\K4"};
+TEST_F(RegistryStore, AHiveFileOfTheOlderFormatIsImportedOnceLoadingWhatItCan) {
+    const Names keys{u"K1", u"K2", u"K3", u"K4"};
+    zelreg::RegKey root;
+    zelreg::RegKey* software = root.AddSubKey(u"Software", 7, false);
     for (const std::u16string& name : keys) {
-        HKEY key = Create(name.c_str());
-        ASSERT_EQ(SetText(key, u"v", name), ERROR_SUCCESS);
-        RegCloseKey(key);
+        std::u16string text = u"Software\\" + name;
+        auto bytes = reinterpret_cast<const BYTE*>(text.c_str());
+        software->AddSubKey(name, zelreg::NewKeyId(), false)
+            ->values.push_back({u"v", REG_SZ, {bytes, bytes + (text.size() + 1) * sizeof(char16_t)}});
     }
-    std::string good = zeltest::ReadFile(HiveFile()), damaged = good;
+    std::vector<uint8_t> written = zelreg::WriteHiveFile(root, zelreg::FileKind::Persistent, 1);
+    std::string good(written.begin(), written.end()), damaged = good;
     size_t at = good.find(std::string(reinterpret_cast<const char*>(keys[2].data()), keys[2].size() * 2));
     ASSERT_NE(at, std::string::npos);
     damaged[at + 2] ^= 0x40;
 
-    auto loadsFrom = [&](const std::string& bytes) {
+    auto importFrom = [&](const std::string& bytes) {
         zeltest::TempDir dir;
         zeltest::ScopedEnv registry("ZEL_REGISTRY_DIR", dir.file("registry"));
         mkdir(dir.file("registry").c_str(), 0700);
         zeltest::WriteFile(dir.file("registry/current_user.hive"), bytes);
+        zeltest::WriteFile(dir.file("registry/current_user.hive.lock"), "");
         Names found;
         for (const std::u16string& name : keys)
-            if (std::u16string text = ReadText(name.c_str(), u"v"); text != u"<status 2>") found.push_back(text);
-        // The hive takes changes again, and writes a whole file.
-        RegCloseKey(Create(u"Software\\After"));
-        zelreg::RegKey root;
-        zelreg::LoadStats stats = LoadInto(root, zeltest::ReadFile(dir.file("registry/current_user.hive")),
-                                           zelreg::HiveLoader::Volatility::Off);
-        EXPECT_TRUE(stats.headerValid);
-        EXPECT_EQ(stats.skipped, 0u);
+            if (std::u16string text = ReadText((u"Software\\" + name).c_str(), u"v"); text != u"<status 2>")
+                found.push_back(text);
+        // The old file is kept aside, its lock goes, and the hive takes changes.
+        EXPECT_EQ(FilesIn(dir.file("registry")),
+                  (std::vector<std::string>{"current_user.db", "current_user.db-shm", "current_user.db-wal",
+                                            "current_user.hive.imported"}));
+        EXPECT_EQ(zeltest::ReadFile(dir.file("registry/current_user.hive.imported")), bytes);
+        HKEY after = Create(u"Software\\After");
+        EXPECT_EQ(SetDword(after, u"n", 1), ERROR_SUCCESS);
+        RegCloseKey(after);
         return found;
     };
-    EXPECT_EQ(loadsFrom(damaged), (Names{keys[0], keys[1], keys[3]}));
-    EXPECT_EQ(loadsFrom(good.substr(0, at)), (Names{keys[0], keys[1]}));
-    EXPECT_EQ(loadsFrom("not a hive at all"), Names{});
+    EXPECT_EQ(importFrom(good), (Names{u"Software\\K1", u"Software\\K2", u"Software\\K3", u"Software\\K4"}));
+    EXPECT_EQ(importFrom(damaged), (Names{u"Software\\K1", u"Software\\K2", u"Software\\K4"}));
+    EXPECT_EQ(importFrom(good.substr(0, at)), (Names{u"Software\\K1", u"Software\\K2"}));
+    EXPECT_EQ(importFrom("not a hive at all"), Names{});
 }
 
-TEST_F(RegistryStore, AFailedWriteLeavesTheOldFileAndTheMemoryAgreesWithIt) {
+TEST_F(RegistryStore, AFailedWriteChangesNothingAndLeavesNoFile) {
     HKEY key = Create(u"Software\\Seam");
     ASSERT_EQ(SetDword(key, u"kept", 1), ERROR_SUCCESS);
-    std::string before = zeltest::ReadFile(HiveFile());
     {
         FailingWrites failing;
         EXPECT_EQ(SetDword(key, u"lost", 2), ERROR_DISK_FULL);
         HKEY sub = nullptr;
-        EXPECT_EQ(RegCreateKeyExW(key, u"Lost", 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &sub, nullptr),
+        EXPECT_EQ(RegCreateKeyExW(key, u"Lost\\Deeper", 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &sub, nullptr),
                   ERROR_DISK_FULL);
         EXPECT_EQ(sub, nullptr);
         EXPECT_EQ(RegDeleteValueW(key, u"kept"), ERROR_DISK_FULL);
+        // What the failed calls did not change still reads.
+        EXPECT_EQ(ValueNames(key), Names{u"kept"});
     }
-    EXPECT_EQ(zeltest::ReadFile(HiveFile()), before);
     EXPECT_EQ(ValueNames(key), Names{u"kept"});
     EXPECT_EQ(SubKeys(key), Names{});
-    std::vector<std::string> files;  // no temporary file is left behind
-    for (const auto& entry : std::filesystem::directory_iterator(dir_.file("registry")))
-        files.push_back(entry.path().filename());
-    std::sort(files.begin(), files.end());
-    EXPECT_EQ(files, (std::vector<std::string>{"current_user.hive", "current_user.hive.lock"}));
+    EXPECT_EQ(zeltest::RunInChild([] { return ReadText(u"Software\\Seam\\Lost", nullptr) == u"<status 2>" ? 0 : 1; }),
+              0);
+    for (const std::string& file : FilesIn(dir_.file("registry")))
+        EXPECT_EQ(file.rfind("current_user.db", 0), 0u) << file;
     EXPECT_EQ(SetDword(key, u"now", 3), ERROR_SUCCESS);
     RegCloseKey(key);
 }

@@ -1,15 +1,11 @@
-// File operations of the registry's store. Writes are atomic: a temporary file in the same directory
-// is written, flushed and renamed over the target, and the directory is flushed, so a reader sees
-// either the old file or the new one, and a crash leaves one of them.
+// File operations of the registry apart from its databases.
 #include "platform/posix/registry_files.h"
 
 #include <errno.h>
 #include <fcntl.h>
-#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "platform/posix/registry_format.h"
 #include "platform/win32.h"
 
 namespace zelreg {
@@ -28,12 +24,6 @@ FileVersion VersionOf(const struct stat& st) {
     return version;
 }
 
-std::string DirectoryOf(const std::string& path) {
-    size_t slash = path.rfind('/');
-    if (slash == std::string::npos) return ".";
-    return slash == 0 ? "/" : path.substr(0, slash);
-}
-
 bool WriteAll(int fd, const uint8_t* data, size_t size) {
     while (size > 0) {
         ssize_t n = g_writeFile(fd, data, size);
@@ -48,34 +38,11 @@ bool WriteAll(int fd, const uint8_t* data, size_t size) {
     return true;
 }
 
-void SyncDirectory(const std::string& dir) {
-    int fd = open(dir.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (fd < 0) return;
-    // The rename is done; a directory that cannot be flushed does not undo it.
-    fsync(fd);
-    close(fd);
-}
-
 }  // namespace
 
 LONG IoStatus(int error) {
     DWORD code = error ? ZelPlatformErrorFromErrno(error) : 0;
     return code ? static_cast<LONG>(code) : ERROR_REGISTRY_IO_FAILED;
-}
-
-FileVersion ProbeFile(const std::string& path) {
-    int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    if (fd < 0) return {};
-    struct stat st;
-    FileVersion version;
-    if (fstat(fd, &st) == 0) {
-        version = VersionOf(st);
-        uint8_t header[kHeaderBytes];
-        ssize_t n = pread(fd, header, sizeof header, 0);
-        version.stamp = n > 0 ? ReadHeaderStamp(header, static_cast<size_t>(n)) : 0;
-    }
-    close(fd);
-    return version;
 }
 
 LONG ReadWholeFile(const std::string& path, std::vector<uint8_t>& bytes, FileVersion& version) {
@@ -107,30 +74,6 @@ LONG ReadWholeFile(const std::string& path, std::vector<uint8_t>& bytes, FileVer
     return ERROR_SUCCESS;
 }
 
-LONG ReplaceFile(const std::string& path, const std::vector<uint8_t>& bytes, FileVersion& version) {
-    std::string dir = DirectoryOf(path);
-    std::string temp = path + ".XXXXXX";
-    int fd = mkostemp(temp.data(), O_CLOEXEC);
-    if (fd < 0) return IoStatus(errno);
-    struct stat st;
-    if (!WriteAll(fd, bytes.data(), bytes.size()) || fsync(fd) != 0 || fstat(fd, &st) != 0) {
-        int error = errno;
-        close(fd);
-        unlink(temp.c_str());
-        return IoStatus(error);
-    }
-    close(fd);
-    if (rename(temp.c_str(), path.c_str()) != 0) {
-        int error = errno;
-        unlink(temp.c_str());
-        return IoStatus(error);
-    }
-    SyncDirectory(dir);
-    version = VersionOf(st);
-    version.stamp = ReadHeaderStamp(bytes.data(), bytes.size());
-    return ERROR_SUCCESS;
-}
-
 LONG WriteNewFile(const std::string& path, const std::vector<uint8_t>& bytes) {
     int fd = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
     if (fd < 0) return errno == EEXIST ? ERROR_ALREADY_EXISTS : IoStatus(errno);
@@ -156,25 +99,6 @@ LONG MakeDirectories(const std::string& path, mode_t mode) {
     }
     if (mkdir(path.c_str(), mode) != 0 && errno != EEXIST) return IoStatus(errno);
     return ERROR_SUCCESS;
-}
-
-FileLock::FileLock(const std::string& path, bool exclusive, bool create) {
-    fd_ = open(path.c_str(), (create ? O_RDWR | O_CREAT : O_RDONLY) | O_CLOEXEC, 0666);
-    if (fd_ < 0) {
-        status_ = IoStatus(errno);
-        return;
-    }
-    while (flock(fd_, exclusive ? LOCK_EX : LOCK_SH) != 0) {
-        if (errno == EINTR) continue;
-        status_ = IoStatus(errno);
-        close(fd_);
-        fd_ = -1;
-        return;
-    }
-}
-
-FileLock::~FileLock() {
-    if (fd_ >= 0) close(fd_);
 }
 
 }  // namespace zelreg

@@ -50,38 +50,29 @@ bool LookUpHandle(HKEY key, KeyRef& ref) {
     return true;
 }
 
-HKEY AddHandle(int hive, const RegKey& key, REGSAM access) {
+LONG CheckHandle(HKEY handle, REGSAM need, KeyRef& ref) {
+    if (!LookUpHandle(handle, ref)) return ERROR_INVALID_HANDLE;
+    return (ref.access & need) == need ? ERROR_SUCCESS : ERROR_ACCESS_DENIED;
+}
+
+HKEY AddHandle(int hive, const KeyRow& key, size_t depth, REGSAM access) {
     HandleTable& table = Table();
     KeyRef ref;
     ref.hive = hive;
-    ref.path = key.Path();
     ref.id = key.id;
+    ref.isVolatile = key.isVolatile;
+    ref.depth = depth;
     ref.access = GrantedAccess(access);
     uintptr_t value = table.next;
     table.next += 4;
-    table.refs.emplace(value, std::move(ref));
+    table.refs.emplace(value, ref);
     return reinterpret_cast<HKEY>(value);
 }
 
 bool RemoveHandle(HKEY key) { return Table().refs.erase(reinterpret_cast<uintptr_t>(key)) != 0; }
 
-RegKey* ResolveRef(Hive& hive, const KeyRef& ref, LONG& status) {
-    RegKey* key = FindPath(hive.root.get(), ref.path);
-    if (!key || (!ref.path.empty() && key->id != ref.id)) {
-        status = ERROR_KEY_DELETED;
-        return nullptr;
-    }
-    status = ERROR_SUCCESS;
-    return key;
-}
-
-LONG KeyForReading(HKEY handle, REGSAM need, KeyRef& ref, RegKey*& key) {
-    key = nullptr;
-    if (!LookUpHandle(handle, ref)) return ERROR_INVALID_HANDLE;
-    if ((ref.access & need) != need) return ERROR_ACCESS_DENIED;
-    LONG status = ERROR_SUCCESS;
-    key = ResolveRef(CurrentHive(ref.hive), ref, status);
-    return status;
+LONG ResolveRef(HiveDatabase& db, const KeyRef& ref, KeyRow& key) {
+    return db.FindKey(ref.id, ref.isVolatile, &key) ? ERROR_SUCCESS : ERROR_KEY_DELETED;
 }
 
 }  // namespace zelreg

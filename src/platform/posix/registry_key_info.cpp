@@ -15,15 +15,19 @@ LONG RegEnumKeyW(HKEY key, DWORD index, LPWSTR name, DWORD nameSize) {
     if (!name) return ERROR_INVALID_PARAMETER;
     std::lock_guard<std::mutex> lock(RegistryMutex());
     KeyRef ref;
-    RegKey* node = nullptr;
-    LONG status = KeyForReading(key, KEY_ENUMERATE_SUB_KEYS, ref, node);
+    LONG status = CheckHandle(key, KEY_ENUMERATE_SUB_KEYS, ref);
     if (status != ERROR_SUCCESS) return status;
-    if (index >= node->subKeys.size()) return ERROR_NO_MORE_ITEMS;
-    const std::u16string& subName = std::next(node->subKeys.begin(), index)->second->name;
-    if (subName.size() + 1 > nameSize) return ERROR_MORE_DATA;
-    std::copy(subName.begin(), subName.end(), name);
-    name[subName.size()] = 0;
-    return ERROR_SUCCESS;
+    return WithHive(ref.hive, Access::Read, [&](HiveDatabase& db) -> LONG {
+        KeyRow node;
+        LONG found = ResolveRef(db, ref, node);
+        if (found != ERROR_SUCCESS) return found;
+        std::u16string subName;
+        if (!db.ChildAt(node.id, index, subName)) return ERROR_NO_MORE_ITEMS;
+        if (subName.size() + 1 > nameSize) return ERROR_MORE_DATA;
+        std::copy(subName.begin(), subName.end(), name);
+        name[subName.size()] = 0;
+        return ERROR_SUCCESS;
+    });
 }
 
 LONG RegQueryInfoKeyW(HKEY key, LPWSTR keyClass, LPDWORD classSize, LPDWORD reserved, LPDWORD subKeys,
@@ -32,31 +36,29 @@ LONG RegQueryInfoKeyW(HKEY key, LPWSTR keyClass, LPDWORD classSize, LPDWORD rese
     if (reserved || (keyClass && !classSize)) return ERROR_INVALID_PARAMETER;
     std::lock_guard<std::mutex> lock(RegistryMutex());
     KeyRef ref;
-    RegKey* node = nullptr;
-    LONG status = KeyForReading(key, KEY_QUERY_VALUE, ref, node);
+    LONG status = CheckHandle(key, KEY_QUERY_VALUE, ref);
+    if (status != ERROR_SUCCESS) return status;
+    KeyRow node;
+    KeyCounts counts;
+    status = WithHive(ref.hive, Access::Read, [&](HiveDatabase& db) -> LONG {
+        LONG found = ResolveRef(db, ref, node);
+        if (found == ERROR_SUCCESS) counts = db.Counts(node);
+        return found;
+    });
     if (status != ERROR_SUCCESS) return status;
 
-    size_t longestName = 0, longestClass = 0, longestValueName = 0, largestData = 0;
-    for (const auto& [folded, sub] : node->subKeys) {
-        longestName = std::max(longestName, sub->name.size());
-        longestClass = std::max(longestClass, sub->keyClass.size());
-    }
-    for (const RegValue& value : node->values) {
-        longestValueName = std::max(longestValueName, value.name.size());
-        largestData = std::max(largestData, value.data.size());
-    }
-    if (subKeys) *subKeys = static_cast<DWORD>(node->subKeys.size());
-    if (maxSubKeyLen) *maxSubKeyLen = static_cast<DWORD>(longestName);
-    if (maxClassLen) *maxClassLen = static_cast<DWORD>(longestClass);
-    if (values) *values = static_cast<DWORD>(node->values.size());
-    if (maxValueNameLen) *maxValueNameLen = static_cast<DWORD>(longestValueName);
-    if (maxValueLen) *maxValueLen = static_cast<DWORD>(largestData);
+    if (subKeys) *subKeys = static_cast<DWORD>(counts.subKeys);
+    if (maxSubKeyLen) *maxSubKeyLen = static_cast<DWORD>(counts.longestSubKey);
+    if (maxClassLen) *maxClassLen = static_cast<DWORD>(counts.longestClass);
+    if (values) *values = static_cast<DWORD>(counts.values);
+    if (maxValueNameLen) *maxValueNameLen = static_cast<DWORD>(counts.longestValueName);
+    if (maxValueLen) *maxValueLen = static_cast<DWORD>(counts.largestData);
     // Keys carry no security descriptor here.
     if (securityDescriptorSize) *securityDescriptorSize = 0;
-    if (lastWriteTime) *lastWriteTime = ToFileTime(node->lastWrite);
+    if (lastWriteTime) *lastWriteTime = ToFileTime(counts.lastWrite);
 
     if (classSize) {
-        const std::u16string& own = node->keyClass;
+        const std::u16string& own = node.keyClass;
         if (keyClass) {
             if (own.size() + 1 > *classSize) {
                 *classSize = static_cast<DWORD>(own.size());
@@ -77,10 +79,17 @@ LONG RegSaveKeyW(HKEY key, LPCWSTR fileName, const SECURITY_ATTRIBUTES* security
     {
         std::lock_guard<std::mutex> lock(RegistryMutex());
         KeyRef ref;
-        RegKey* node = nullptr;
-        LONG status = KeyForReading(key, 0, ref, node);
+        LONG status = CheckHandle(key, 0, ref);
         if (status != ERROR_SUCCESS) return status;
-        bytes = WriteHiveFile(*node, FileKind::Saved, NewKeyId());
+        RegKey top;
+        status = WithHive(ref.hive, Access::Read, [&](HiveDatabase& db) -> LONG {
+            KeyRow node;
+            LONG found = ResolveRef(db, ref, node);
+            if (found == ERROR_SUCCESS) db.ReadSubtree(node, top);
+            return found;
+        });
+        if (status != ERROR_SUCCESS) return status;
+        bytes = WriteHiveFile(top, FileKind::Saved, NewKeyId());
     }
     return WriteNewFile(ZelPlatformPathToSystem(fileName), bytes);
 }

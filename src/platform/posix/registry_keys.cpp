@@ -2,8 +2,8 @@
 //
 // Volatile keys: RegCreateKeyEx with REG_OPTION_VOLATILE makes only the key it names volatile. The
 // parents it has to make on the way are volatile only when they sit below a volatile key already;
-// below a lasting key they last too, so that a lasting key can still be made beside the volatile one
-// later. A lasting key cannot be made below a volatile one (ERROR_CHILD_MUST_BE_VOLATILE).
+// below a lasting key they last too, so that a lasting key can still be made beside the volatile
+// one later. A lasting key cannot be made below a volatile one (ERROR_CHILD_MUST_BE_VOLATILE).
 #include "platform/posix/registry_handles.h"
 #include "platform/posix/registry_store.h"
 #include "platform/win32.h"
@@ -18,18 +18,33 @@ constexpr REGSAM kMaximumAllowed = 0x02000000;
 struct Located {
     std::vector<std::u16string> parts;  // of the sub-key
     KeyRef ref;                         // of the handle
-    RegKey* base = nullptr;             // the handle's key
 };
 
-// Under the registry's lock: splits subKey and finds the key that handle names. For a call that may
-// create the sub-key, every name must fit the system's limit.
+// Splits subKey and looks up the handle. For a call that may create the sub-key, every name must
+// fit the system's limit.
 LONG Locate(HKEY handle, LPCWSTR subKey, bool creating, Located& at) {
     LONG status = SplitPath(subKey, at.parts);
     if (status != ERROR_SUCCESS) return status;
     if (creating)
         for (const auto& part : at.parts)
             if (part.size() > kMaxKeyNameLength) return ERROR_INVALID_PARAMETER;
-    return KeyForReading(handle, 0, at.ref, at.base);
+    return CheckHandle(handle, 0, at.ref);
+}
+
+// Follows parts from the handle's key as far as the keys exist. node receives the last key found,
+// found the number of parts it took.
+LONG Walk(HiveDatabase& db, const Located& at, KeyRow& node, size_t& found) {
+    LONG status = ResolveRef(db, at.ref, node);
+    found = 0;
+    if (status != ERROR_SUCCESS) return status;
+    for (KeyRow sub; found < at.parts.size() && db.FindChild(node.id, at.parts[found], &sub); ++found) node = sub;
+    return ERROR_SUCCESS;
+}
+
+// Moves the time of last write of key's parent, when both live in the same database: a volatile
+// key's coming and going never writes the persistent database.
+void TouchParent(HiveDatabase& db, const KeyRow& key) {
+    if (!key.isVolatile || db.FindKey(key.parent, true, nullptr)) db.Touch(key.parent, key.isVolatile);
 }
 
 }  // namespace
@@ -42,9 +57,15 @@ LONG RegOpenKeyExW(HKEY key, LPCWSTR subKey, DWORD options, REGSAM access, PHKEY
     Located at;
     LONG status = Locate(key, subKey, false, at);
     if (status != ERROR_SUCCESS) return status;
-    RegKey* target = FindPath(at.base, at.parts);
-    if (!target) return ERROR_FILE_NOT_FOUND;
-    *result = AddHandle(at.ref.hive, *target, access);
+    KeyRow target;
+    status = WithHive(at.ref.hive, Access::Read, [&](HiveDatabase& db) -> LONG {
+        size_t found = 0;
+        LONG walked = Walk(db, at, target, found);
+        if (walked != ERROR_SUCCESS) return walked;
+        return found == at.parts.size() ? ERROR_SUCCESS : ERROR_FILE_NOT_FOUND;
+    });
+    if (status != ERROR_SUCCESS) return status;
+    *result = AddHandle(at.ref.hive, target, at.ref.depth + at.parts.size(), access);
     return ERROR_SUCCESS;
 }
 
@@ -72,42 +93,40 @@ LONG RegCreateKeyExW(HKEY key, LPCWSTR subKey, DWORD reserved, LPWSTR keyClass, 
     Located at;
     LONG status = Locate(key, subKey, true, at);
     if (status != ERROR_SUCCESS) return status;
-    if (at.ref.path.size() + at.parts.size() > kMaxKeyDepth) return ERROR_INVALID_PARAMETER;
-    // A key that is there already opens without the lock for changes.
-    if (RegKey* existing = FindPath(at.base, at.parts)) {
-        *result = AddHandle(at.ref.hive, *existing, access);
-        if (disposition) *disposition = REG_OPENED_EXISTING_KEY;
-        return ERROR_SUCCESS;
-    }
+    if (at.ref.depth + at.parts.size() > kMaxKeyDepth) return ERROR_INVALID_PARAMETER;
 
-    RegKey* target = nullptr;
+    KeyRow target;
     DWORD how = REG_OPENED_EXISTING_KEY;
-    status = ChangeHive(at.ref.hive, [&](Hive& hive) -> LONG {
-        LONG found = ERROR_SUCCESS;
-        RegKey* node = ResolveRef(hive, at.ref, found);
-        if (!node) return found;
-        size_t i = 0;
-        for (; i < at.parts.size(); ++i) {
-            RegKey* sub = node->FindSubKey(at.parts[i]);
-            if (!sub) break;
-            node = sub;
-        }
-        if (i < at.parts.size()) {
-            if (node->isVolatile && !makeVolatile) return ERROR_CHILD_MUST_BE_VOLATILE;
+    // A key that is there already opens without a write transaction.
+    bool exists = false;
+    status = WithHive(at.ref.hive, Access::Read, [&](HiveDatabase& db) -> LONG {
+        size_t found = 0;
+        LONG walked = Walk(db, at, target, found);
+        exists = found == at.parts.size();
+        return walked;
+    });
+    if (status == ERROR_SUCCESS && !exists) {
+        status = WithHive(at.ref.hive, Access::WriteBoth, [&](HiveDatabase& db) -> LONG {
+            size_t i = 0;
+            LONG walked = Walk(db, at, target, i);
+            if (walked != ERROR_SUCCESS || i == at.parts.size()) return walked;
+            if (target.isVolatile && !makeVolatile) return ERROR_CHILD_MUST_BE_VOLATILE;
+            if (makeVolatile && !VolatileKeysAllowed(db)) return ERROR_ACCESS_DENIED;
             for (; i < at.parts.size(); ++i) {
                 bool last = i + 1 == at.parts.size();
-                RegKey* sub = node->AddSubKey(at.parts[i], NewKeyId(), last ? makeVolatile : node->isVolatile);
-                hive.SubKeyChanged(node, sub);
-                node = sub;
+                KeyRow sub;
+                if (!db.AddKey(target, at.parts[i], last ? makeVolatile : target.isVolatile,
+                               last ? newClass : std::u16string(), sub))
+                    return ERROR_SUCCESS;  // the failure is the database's
+                if (sub.isVolatile == target.isVolatile) db.Touch(target.id, target.isVolatile);
+                target = sub;
             }
-            node->keyClass = newClass;
             how = REG_CREATED_NEW_KEY;
-        }
-        target = node;
-        return ERROR_SUCCESS;
-    });
+            return ERROR_SUCCESS;
+        });
+    }
     if (status != ERROR_SUCCESS) return status;
-    *result = AddHandle(at.ref.hive, *target, access);
+    *result = AddHandle(at.ref.hive, target, at.ref.depth + at.parts.size(), access);
     if (disposition) *disposition = how;
     return ERROR_SUCCESS;
 }
@@ -118,8 +137,7 @@ LONG RegCreateKeyW(HKEY key, LPCWSTR subKey, PHKEY result) {
         *result = key;
         return ERROR_SUCCESS;
     }
-    return RegCreateKeyExW(key, subKey, 0, nullptr, REG_OPTION_NON_VOLATILE, kMaximumAllowed, nullptr, result,
-                           nullptr);
+    return RegCreateKeyExW(key, subKey, 0, nullptr, REG_OPTION_NON_VOLATILE, kMaximumAllowed, nullptr, result, nullptr);
 }
 
 LONG RegCloseKey(HKEY key) {
@@ -134,22 +152,20 @@ LONG RegDeleteKeyW(HKEY key, LPCWSTR subKey) {
     Located at;
     LONG status = Locate(key, subKey, false, at);
     if (status != ERROR_SUCCESS) return status;
-    // An empty sub-key deletes the handle's own key, which needs the right to delete on the handle.
-    if (at.parts.empty() && !(at.ref.access & kDeleteAccess)) return ERROR_ACCESS_DENIED;
-    if (!FindPath(at.base, at.parts)) return ERROR_FILE_NOT_FOUND;
-
-    return ChangeHive(at.ref.hive, [&](Hive& hive) -> LONG {
-        LONG found = ERROR_SUCCESS;
-        RegKey* node = ResolveRef(hive, at.ref, found);
-        if (!node) return found;
-        RegKey* target = FindPath(node, at.parts);
-        if (!target) return ERROR_FILE_NOT_FOUND;
+    return WithHive(at.ref.hive, Access::WriteBoth, [&](HiveDatabase& db) -> LONG {
+        KeyRow target;
+        size_t found = 0;
+        LONG walked = Walk(db, at, target, found);
+        if (walked != ERROR_SUCCESS) return walked;
+        // An empty sub-key deletes the handle's own key, which needs the right to delete on the
+        // handle.
+        if (at.parts.empty() && !(at.ref.access & kDeleteAccess)) return ERROR_ACCESS_DENIED;
+        if (found < at.parts.size()) return ERROR_FILE_NOT_FOUND;
         // A hive's root, a key with sub-keys and the default keys stay.
-        if (!target->parent || !target->subKeys.empty() || IsDefaultKey(at.ref.hive, *target))
+        if (target.id == kRootId || db.HasChildren(target.id) || IsDefaultKey(at.ref.hive, target))
             return ERROR_ACCESS_DENIED;
-        RegKey* parent = target->parent;
-        hive.SubKeyChanged(parent, target);
-        parent->subKeys.erase(Fold(target->name));
+        TouchParent(db, target);
+        db.DeleteKey(target);
         return ERROR_SUCCESS;
     });
 }

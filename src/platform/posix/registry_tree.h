@@ -1,5 +1,7 @@
-// The registry's in-memory hive: a tree of keys, each with its sub-keys in case-blind sorted order
-// and its values in order of creation. Nothing here touches a file or a lock.
+// A registry key and what is below it in memory, as the registry's files hold them: each key with
+// its sub-keys in case-blind sorted order and its values in order of creation; and what every part
+// of the registry shares: names, limits, identities and times. Nothing here touches a file or a
+// lock.
 #ifndef ZEL_PLATFORM_POSIX_REGISTRY_TREE_H
 #define ZEL_PLATFORM_POSIX_REGISTRY_TREE_H
 
@@ -20,8 +22,8 @@ constexpr size_t kMaxValueNameLength = 16383;  // in units
 constexpr size_t kMaxKeyDepth = 512;           // components below a hive's root
 constexpr size_t kMaxClassLength = 32767;      // in units
 
-// One unit upper-cased by the simple mappings of the scripts that have case; surrogates and
-// uncased units come back unchanged. Names compare equal when their upper-cased forms do.
+// One unit upper-cased by the simple mappings of the scripts that have case; surrogates and uncased
+// units come back unchanged. Names compare equal when their upper-cased forms do.
 char16_t UpcaseUnit(char16_t unit);
 std::u16string Fold(std::u16string_view name);
 
@@ -68,30 +70,6 @@ LONG SplitPath(const WCHAR* subKey, std::vector<std::u16string>& parts);
 
 // The key at path below root, or null.
 RegKey* FindPath(RegKey* root, const std::vector<std::u16string>& path);
-
-// One hive in memory: its root and whether it differs from what its files hold.
-struct Hive {
-    std::unique_ptr<RegKey> root = std::make_unique<RegKey>();
-    bool persistentDirty = false;
-    bool volatileDirty = false;
-
-    void Clear() {
-        root = std::make_unique<RegKey>();
-        persistentDirty = volatileDirty = false;
-    }
-    // Marks the file that holds key as changed.
-    void MarkChanged(const RegKey* key) { (key->isVolatile ? volatileDirty : persistentDirty) = true; }
-    // Records that child was added below parent or is about to be removed from it. The parent's
-    // time of last write moves only when both live in the same file: a volatile key's coming and
-    // going never rewrites the persistent file.
-    void SubKeyChanged(RegKey* parent, const RegKey* child) {
-        MarkChanged(child);
-        if (parent->isVolatile == child->isVolatile) {
-            parent->Touch();
-            MarkChanged(parent);
-        }
-    }
-};
 
 }  // namespace zelreg
 

@@ -19,22 +19,25 @@ LONG RegQueryValueExW(HKEY key, LPCWSTR valueName, LPDWORD reserved, LPDWORD typ
     if (reserved || (data && !dataSize)) return ERROR_INVALID_PARAMETER;
     std::lock_guard<std::mutex> lock(RegistryMutex());
     KeyRef ref;
-    RegKey* node = nullptr;
-    LONG status = KeyForReading(key, KEY_QUERY_VALUE, ref, node);
+    LONG status = CheckHandle(key, KEY_QUERY_VALUE, ref);
     if (status != ERROR_SUCCESS) return status;
-    ptrdiff_t index = node->FindValue(NameOf(valueName));
-    if (index < 0) return ERROR_FILE_NOT_FOUND;
-    const RegValue& value = node->values[static_cast<size_t>(index)];
-    if (type) *type = value.type;
-    if (data) {
-        if (value.data.size() > *dataSize) {
-            *dataSize = static_cast<DWORD>(value.data.size());
-            return ERROR_MORE_DATA;
+    return WithHive(ref.hive, Access::Read, [&](HiveDatabase& db) -> LONG {
+        KeyRow node;
+        LONG found = ResolveRef(db, ref, node);
+        if (found != ERROR_SUCCESS) return found;
+        RegValue value;
+        if (!db.FindValue(node, NameOf(valueName), &value)) return ERROR_FILE_NOT_FOUND;
+        if (type) *type = value.type;
+        if (data) {
+            if (value.data.size() > *dataSize) {
+                *dataSize = static_cast<DWORD>(value.data.size());
+                return ERROR_MORE_DATA;
+            }
+            std::copy(value.data.begin(), value.data.end(), data);
         }
-        std::copy(value.data.begin(), value.data.end(), data);
-    }
-    if (dataSize) *dataSize = static_cast<DWORD>(value.data.size());
-    return ERROR_SUCCESS;
+        if (dataSize) *dataSize = static_cast<DWORD>(value.data.size());
+        return ERROR_SUCCESS;
+    });
 }
 
 LONG RegEnumValueW(HKEY key, DWORD index, LPWSTR valueName, LPDWORD valueNameSize, LPDWORD reserved, LPDWORD type,
@@ -42,23 +45,27 @@ LONG RegEnumValueW(HKEY key, DWORD index, LPWSTR valueName, LPDWORD valueNameSiz
     if (reserved || !valueName || !valueNameSize || (data && !dataSize)) return ERROR_INVALID_PARAMETER;
     std::lock_guard<std::mutex> lock(RegistryMutex());
     KeyRef ref;
-    RegKey* node = nullptr;
-    LONG status = KeyForReading(key, KEY_QUERY_VALUE, ref, node);
+    LONG status = CheckHandle(key, KEY_QUERY_VALUE, ref);
     if (status != ERROR_SUCCESS) return status;
-    if (index >= node->values.size()) return ERROR_NO_MORE_ITEMS;
-    const RegValue& value = node->values[index];
-    // When either buffer is short, neither is written; the type and the size of the data are.
-    if (type) *type = value.type;
-    if (value.name.size() + 1 > *valueNameSize || (data && value.data.size() > *dataSize)) {
+    return WithHive(ref.hive, Access::Read, [&](HiveDatabase& db) -> LONG {
+        KeyRow node;
+        LONG found = ResolveRef(db, ref, node);
+        if (found != ERROR_SUCCESS) return found;
+        RegValue value;
+        if (!db.ValueAt(node, index, value)) return ERROR_NO_MORE_ITEMS;
+        // When either buffer is short, neither is written; the type and the size of the data are.
+        if (type) *type = value.type;
+        if (value.name.size() + 1 > *valueNameSize || (data && value.data.size() > *dataSize)) {
+            if (dataSize) *dataSize = static_cast<DWORD>(value.data.size());
+            return ERROR_MORE_DATA;
+        }
+        std::copy(value.name.begin(), value.name.end(), valueName);
+        valueName[value.name.size()] = 0;
+        *valueNameSize = static_cast<DWORD>(value.name.size());
+        if (data) std::copy(value.data.begin(), value.data.end(), data);
         if (dataSize) *dataSize = static_cast<DWORD>(value.data.size());
-        return ERROR_MORE_DATA;
-    }
-    std::copy(value.name.begin(), value.name.end(), valueName);
-    valueName[value.name.size()] = 0;
-    *valueNameSize = static_cast<DWORD>(value.name.size());
-    if (data) std::copy(value.data.begin(), value.data.end(), data);
-    if (dataSize) *dataSize = static_cast<DWORD>(value.data.size());
-    return ERROR_SUCCESS;
+        return ERROR_SUCCESS;
+    });
 }
 
 LONG RegSetValueExW(HKEY key, LPCWSTR valueName, DWORD reserved, DWORD type, const BYTE* data, DWORD dataSize) {
@@ -70,24 +77,11 @@ LONG RegSetValueExW(HKEY key, LPCWSTR valueName, DWORD reserved, DWORD type, con
     KeyRef ref;
     if (!LookUpHandle(key, ref)) return ERROR_INVALID_HANDLE;
     if (!(ref.access & KEY_SET_VALUE)) return ERROR_ACCESS_DENIED;
-    return ChangeHive(ref.hive, [&](Hive& hive) -> LONG {
-        LONG status = ERROR_SUCCESS;
-        RegKey* node = ResolveRef(hive, ref, status);
-        if (!node) return status;
-        ptrdiff_t index = node->FindValue(name);
-        RegValue* value = nullptr;
-        if (index >= 0) {
-            // A value set again keeps its place in the order of creation.
-            value = &node->values[static_cast<size_t>(index)];
-        } else {
-            node->values.emplace_back();
-            value = &node->values.back();
-            value->name = name;
-        }
-        value->type = type;
-        value->data.assign(data, data + dataSize);
-        node->Touch();
-        hive.MarkChanged(node);
+    return WithHive(ref.hive, WriteTo(ref.isVolatile), [&](HiveDatabase& db) -> LONG {
+        KeyRow node;
+        LONG status = ResolveRef(db, ref, node);
+        if (status != ERROR_SUCCESS) return status;
+        db.SetValue(node, name, type, data, dataSize);
         return ERROR_SUCCESS;
     });
 }
@@ -96,19 +90,14 @@ LONG RegDeleteValueW(HKEY key, LPCWSTR valueName) {
     std::u16string_view name = NameOf(valueName);
     std::lock_guard<std::mutex> lock(RegistryMutex());
     KeyRef ref;
-    RegKey* node = nullptr;
-    LONG status = KeyForReading(key, KEY_SET_VALUE, ref, node);
+    LONG status = CheckHandle(key, KEY_SET_VALUE, ref);
     if (status != ERROR_SUCCESS) return status;
-    if (node->FindValue(name) < 0) return ERROR_FILE_NOT_FOUND;
-    return ChangeHive(ref.hive, [&](Hive& hive) -> LONG {
-        LONG found = ERROR_SUCCESS;
-        RegKey* current = ResolveRef(hive, ref, found);
-        if (!current) return found;
-        ptrdiff_t index = current->FindValue(name);
-        if (index < 0) return ERROR_FILE_NOT_FOUND;
-        current->values.erase(current->values.begin() + index);
-        current->Touch();
-        hive.MarkChanged(current);
+    return WithHive(ref.hive, WriteTo(ref.isVolatile), [&](HiveDatabase& db) -> LONG {
+        KeyRow node;
+        LONG found = ResolveRef(db, ref, node);
+        if (found != ERROR_SUCCESS) return found;
+        if (!db.DeleteValue(node, name)) return ERROR_FILE_NOT_FOUND;
+        db.Touch(node.id, node.isVolatile);
         return ERROR_SUCCESS;
     });
 }
