@@ -1,5 +1,7 @@
 // The walks of the table path. Each code page gets its own instance of the two walks, so the
 // single bytes of 932 and the four-byte sequences of 936 cost the other pages nothing.
+#include <algorithm>
+#include <cstdint>
 #include <cstring>
 
 #include "codetables/codepage_table_path.h"
@@ -29,51 +31,144 @@ Page PageOf(UINT codePage) {
 // Bytes beyond a counted text read as 0, as the terminator of a zero-terminated one would.
 inline BYTE ByteAt(const BYTE* text, int at, int length) { return at < length ? text[at] : 0; }
 
+// Eight units or bytes at once: all of them below 0x80.
+inline bool EightAscii(const BYTE* bytes) {
+    uint64_t word;
+    std::memcpy(&word, bytes, 8);
+    return (word & 0x8080808080808080ull) == 0;
+}
+inline bool EightAscii(const WCHAR* units) {
+    uint64_t words[2];
+    std::memcpy(words, units, 16);
+    return ((words[0] | words[1]) & 0xFF80FF80FF80FF80ull) == 0;
+}
+
+struct DecodeState {
+    const WORD* mb2Uni;
+    unsigned count;
+    unsigned first;
+    int length;
+    int limit;
+};
+
+// One character toward Unicode with every bound checked; false when it does not fit.
 template <Page kPage>
-int Decode(const ZelCodePageTables& tables, const BYTE* text, int length, WCHAR* buffer, int size) {
-    const WORD* const mb2Uni = tables.mb2Uni;
-    const unsigned count = mb2Uni ? tables.mb2UniCount : 0;
-    const unsigned first = tables.firstCode;
-    const int limit = size - 1;
+inline bool DecodeOne(const DecodeState& s, const BYTE* text, int& in, WCHAR* buffer, int& out) {
+    const BYTE b = text[in];
+    if (b < 0x80) {
+        buffer[out++] = b;
+        ++in;
+        return true;
+    }
+    if constexpr (kPage == Page::Kana932) {
+        if (IsHalfWidthByte(b)) {
+            buffer[out++] = WCHAR(b + kHalfWidthOffset);
+            ++in;
+            return true;
+        }
+    }
+    const unsigned code = unsigned{b} << 8 | ByteAt(text, in + 1, s.length);
+    if (code < s.first) {
+        buffer[out++] = b;
+        ++in;
+        return true;
+    }
+    const unsigned index = code - s.first;
+    const WORD unit = index < s.count ? s.mb2Uni[index] : kNoUnicode;
+    if constexpr (kPage == Page::Gb936) {
+        if (unit == kZel936OpenerMarker) {
+            WCHAR units[2];
+            const int n = Zel936FourBytesToUnicode(b, ByteAt(text, in + 1, s.length), ByteAt(text, in + 2, s.length),
+                                                   ByteAt(text, in + 3, s.length), units);
+            // Both halves of a pair or neither.
+            if (n > s.limit - out) return false;
+            buffer[out++] = units[0];
+            if (n == 2) buffer[out++] = units[1];
+            in += 4;
+            return true;
+        }
+    }
+    buffer[out++] = unit;
+    in += 2;
+    return true;
+}
+
+DecodeState DecodeStateOf(const ZelCodePageTables& tables, int length, int size) {
+    return {tables.mb2Uni, tables.mb2Uni ? unsigned(tables.mb2UniCount) : 0u, tables.firstCode, length, size - 1};
+}
+
+template <Page kPage>
+int DecodeOneByOne(const ZelCodePageTables& tables, const BYTE* text, int length, WCHAR* buffer, int size) {
+    const DecodeState s = DecodeStateOf(tables, length, size);
     int in = 0;
     int out = 0;
-    while (in < length && out < limit) {
-        const BYTE b = text[in];
-        if (b < 0x80) {
-            buffer[out++] = b;
-            ++in;
-            continue;
-        }
-        if constexpr (kPage == Page::Kana932) {
-            if (IsHalfWidthByte(b)) {
-                buffer[out++] = WCHAR(b + kHalfWidthOffset);
-                ++in;
-                continue;
+    while (in < length && out < s.limit)
+        if (!DecodeOne<kPage>(s, text, in, buffer, out)) break;
+    buffer[out] = 0;
+    return out;
+}
+
+// No character gives more units than it has bytes, so while the room left is at least the input
+// left (and three bytes of input stay behind, for the bytes after a lead byte) nothing needs a
+// bound; the rest goes one character at a time.
+template <Page kPage>
+int Decode(const ZelCodePageTables& tables, const BYTE* text, int length, WCHAR* buffer, int size) {
+    const DecodeState s = DecodeStateOf(tables, length, size);
+    if (s.count != 0x10000 - s.first) return DecodeOneByOne<kPage>(tables, text, length, buffer, size);
+    int in = 0;
+    int out = 0;
+    while (in < length && out < s.limit) {
+        const int span = std::min(length - in, s.limit - out) - 3;
+        if (span > 0) {
+            const BYTE* p = text + in;
+            const BYTE* const end = p + span;
+            WCHAR* o = buffer + out;
+            while (p < end) {
+                if (end - p >= 8 && EightAscii(p)) {
+                    for (int i = 0; i < 8; ++i) o[i] = p[i];
+                    p += 8;
+                    o += 8;
+                    continue;
+                }
+                const BYTE b = *p;
+                if (b < 0x80) {
+                    *o++ = b;
+                    ++p;
+                    continue;
+                }
+                if constexpr (kPage == Page::Kana932) {
+                    if (IsHalfWidthByte(b)) {
+                        *o++ = WCHAR(b + kHalfWidthOffset);
+                        ++p;
+                        continue;
+                    }
+                }
+                const unsigned code = unsigned{b} << 8 | p[1];
+                if (code < s.first) {
+                    *o++ = b;
+                    ++p;
+                    continue;
+                }
+                const WORD unit = s.mb2Uni[code - s.first];
+                if constexpr (kPage == Page::Gb936) {
+                    if (unit == kZel936OpenerMarker) {
+                        WCHAR units[2] = {0, 0};
+                        const int n = Zel936FourBytesToUnicode(b, p[1], p[2], p[3], units);
+                        o[0] = units[0];
+                        o[1] = units[1];
+                        o += n;
+                        p += 4;
+                        continue;
+                    }
+                }
+                *o++ = unit;
+                p += 2;
             }
+            in = int(p - text);
+            out = int(o - buffer);
+            if (in >= length || out >= s.limit) break;
         }
-        const unsigned code = unsigned{b} << 8 | ByteAt(text, in + 1, length);
-        if (code < first) {
-            buffer[out++] = b;
-            ++in;
-            continue;
-        }
-        const unsigned index = code - first;
-        const WORD unit = index < count ? mb2Uni[index] : kNoUnicode;
-        if constexpr (kPage == Page::Gb936) {
-            if (unit == kZel936OpenerMarker) {
-                WCHAR units[2];
-                const int n = Zel936FourBytesToUnicode(b, ByteAt(text, in + 1, length), ByteAt(text, in + 2, length),
-                                                       ByteAt(text, in + 3, length), units);
-                // Both halves of a pair or neither.
-                if (n > limit - out) break;
-                buffer[out++] = units[0];
-                if (n == 2) buffer[out++] = units[1];
-                in += 4;
-                continue;
-            }
-        }
-        buffer[out++] = unit;
-        in += 2;
+        if (!DecodeOne<kPage>(s, text, in, buffer, out)) break;
     }
     buffer[out] = 0;
     return out;
@@ -101,41 +196,93 @@ int FourByteForm(const WCHAR* text, int at, int length, BYTE bytes[4], int* used
     return 4;
 }
 
+// One character toward the code page with every bound checked; false when it does not fit.
+template <Page kPage>
+inline bool EncodeOne(const WORD* uni2Mb, const WCHAR* text, int length, int& in, BYTE* buffer, int& out, int limit) {
+    const WCHAR u = text[in];
+    WORD v;
+    if (u <= 0x7F) {
+        v = u;
+    } else if (kPage == Page::Kana932 && IsHalfWidthUnit(u)) {
+        v = WORD(u - kHalfWidthOffset);
+    } else {
+        v = uni2Mb ? uni2Mb[u] : WORD{'?'};
+    }
+    if constexpr (kPage == Page::Gb936) {
+        if (v == kZel936FourByteMarker) {
+            BYTE bytes[4];
+            int used = 1;
+            const int n = FourByteForm(text, in, length, bytes, &used);
+            if (n == 4) {
+                // A four-byte code is written whole or not at all.
+                if (n > limit - out) return false;
+                std::memcpy(buffer + out, bytes, 4);
+                out += 4;
+                in += used;
+                return true;
+            }
+        }
+    }
+    // A double-byte code at the very end keeps its lead byte alone.
+    if (v > 0xFF) buffer[out++] = BYTE(v >> 8);
+    if (out < limit) buffer[out++] = BYTE(v);
+    ++in;
+    return true;
+}
+
+template <Page kPage>
+int EncodeOneByOne(const ZelCodePageTables& tables, const WCHAR* text, int length, BYTE* buffer, int size) {
+    const int limit = size - 1;
+    int in = 0;
+    int out = 0;
+    while (in < length && out < limit)
+        if (!EncodeOne<kPage>(tables.uni2Mb, text, length, in, buffer, out, limit)) break;
+    buffer[out] = 0;
+    return out;
+}
+
+// No unit gives more than two bytes, bar the four-byte codes of 936, which leave the bulk loop:
+// while the room left is at least twice the input left nothing needs a bound. Both bytes of
+// every code are stored and the output moves on by its length; the byte too many is overwritten
+// by the next code or the terminator.
 template <Page kPage>
 int Encode(const ZelCodePageTables& tables, const WCHAR* text, int length, BYTE* buffer, int size) {
     const WORD* const uni2Mb = tables.uni2Mb;
+    if (!uni2Mb) return EncodeOneByOne<kPage>(tables, text, length, buffer, size);
     const int limit = size - 1;
     int in = 0;
     int out = 0;
     while (in < length && out < limit) {
-        const WCHAR u = text[in];
-        WORD v;
-        if (u <= 0x7F) {
-            v = u;
-        } else if (kPage == Page::Kana932 && IsHalfWidthUnit(u)) {
-            v = WORD(u - kHalfWidthOffset);
-        } else {
-            v = uni2Mb ? uni2Mb[u] : WORD{'?'};
-        }
-        if constexpr (kPage == Page::Gb936) {
-            if (v == kZel936FourByteMarker) {
-                BYTE bytes[4];
-                int used = 1;
-                const int n = FourByteForm(text, in, length, bytes, &used);
-                if (n == 4) {
-                    // A four-byte code is written whole or not at all.
-                    if (n > limit - out) break;
-                    std::memcpy(buffer + out, bytes, 4);
-                    out += 4;
-                    in += used;
+        const int span = std::min(length - in, (limit - out) / 2);
+        if (span > 0) {
+            const WCHAR* p = text + in;
+            const WCHAR* const end = p + span;
+            BYTE* o = buffer + out;
+            while (p < end) {
+                if (end - p >= 8 && EightAscii(p)) {
+                    for (int i = 0; i < 8; ++i) o[i] = BYTE(p[i]);
+                    p += 8;
+                    o += 8;
                     continue;
                 }
+                const WCHAR u = *p;
+                unsigned v = uni2Mb[u];
+                if constexpr (kPage == Page::Kana932) v = IsHalfWidthUnit(u) ? unsigned(u - kHalfWidthOffset) : v;
+                v = u <= 0x7F ? u : v;
+                if constexpr (kPage == Page::Gb936) {
+                    if (v == kZel936FourByteMarker) break;
+                }
+                const unsigned two = v > 0xFF;
+                o[0] = BYTE(two ? v >> 8 : v);
+                o[1] = BYTE(v);
+                o += 1 + two;
+                ++p;
             }
+            in = int(p - text);
+            out = int(o - buffer);
+            if (in >= length || out >= limit) break;
         }
-        // A double-byte code at the very end keeps its lead byte alone.
-        if (v > 0xFF) buffer[out++] = BYTE(v >> 8);
-        if (out < limit) buffer[out++] = BYTE(v);
-        ++in;
+        if (!EncodeOne<kPage>(uni2Mb, text, length, in, buffer, out, limit)) break;
     }
     buffer[out] = 0;
     return out;
@@ -179,4 +326,36 @@ int ZelTableFromUnicode(UINT codePage, const ZelCodePageTables& tables, const WC
         break;
     }
     return Encode<Page::Plain>(tables, text, length, bytes, size);
+}
+
+int ZelTableToUnicodeOneByOne(UINT codePage, const ZelCodePageTables& tables, const char* text, int length, WCHAR* buffer,
+                      int size) {
+    if (!buffer || size < 1) return 0;
+    length = ZelTextUnits(text, length);
+    const BYTE* bytes = reinterpret_cast<const BYTE*>(text);
+    switch (PageOf(codePage)) {
+    case Page::Kana932:
+        return DecodeOneByOne<Page::Kana932>(tables, bytes, length, buffer, size);
+    case Page::Gb936:
+        return DecodeOneByOne<Page::Gb936>(tables, bytes, length, buffer, size);
+    case Page::Plain:
+        break;
+    }
+    return DecodeOneByOne<Page::Plain>(tables, bytes, length, buffer, size);
+}
+
+int ZelTableFromUnicodeOneByOne(UINT codePage, const ZelCodePageTables& tables, const WCHAR* text, int length, char* buffer,
+                        int size) {
+    if (!buffer || size < 1) return 0;
+    length = ZelTextUnits(text, length);
+    BYTE* bytes = reinterpret_cast<BYTE*>(buffer);
+    switch (PageOf(codePage)) {
+    case Page::Kana932:
+        return EncodeOneByOne<Page::Kana932>(tables, text, length, bytes, size);
+    case Page::Gb936:
+        return EncodeOneByOne<Page::Gb936>(tables, text, length, bytes, size);
+    case Page::Plain:
+        break;
+    }
+    return EncodeOneByOne<Page::Plain>(tables, text, length, bytes, size);
 }

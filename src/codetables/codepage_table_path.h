@@ -20,6 +20,13 @@ int ZelTableToUnicode(UINT codePage, const ZelCodePageTables& tables, const char
 int ZelTableFromUnicode(UINT codePage, const ZelCodePageTables& tables, const WCHAR* text, int length,
                         char* buffer, int size);
 
+// The same two conversions one character at a time, with every bound checked at every step: the
+// plain form of the rules, which the walks above must match unit for unit and byte for byte.
+int ZelTableToUnicodeOneByOne(UINT codePage, const ZelCodePageTables& tables, const char* text, int length,
+                              WCHAR* buffer, int size);
+int ZelTableFromUnicodeOneByOne(UINT codePage, const ZelCodePageTables& tables, const WCHAR* text, int length,
+                                char* buffer, int size);
+
 // ---------------------------------------------------------------------------------------------
 // Four-byte sequences of code page 936
 
