@@ -31,16 +31,11 @@ Page PageOf(UINT codePage) {
 // Bytes beyond a counted text read as 0, as the terminator of a zero-terminated one would.
 inline BYTE ByteAt(const BYTE* text, int at, int length) { return at < length ? text[at] : 0; }
 
-// Eight units or bytes at once: all of them below 0x80.
+// Eight bytes at once: all of them below 0x80.
 inline bool EightAscii(const BYTE* bytes) {
     uint64_t word;
     std::memcpy(&word, bytes, 8);
     return (word & 0x8080808080808080ull) == 0;
-}
-inline bool EightAscii(const WCHAR* units) {
-    uint64_t words[2];
-    std::memcpy(words, units, 16);
-    return ((words[0] | words[1]) & 0xFF80FF80FF80FF80ull) == 0;
 }
 
 struct DecodeState {
@@ -109,8 +104,8 @@ int DecodeOneByOne(const ZelCodePageTables& tables, const BYTE* text, int length
 }
 
 // No character gives more units than it has bytes, so while the room left is at least the input
-// left (and three bytes of input stay behind, for the bytes after a lead byte) nothing needs a
-// bound; the rest goes one character at a time.
+// left (and seven bytes of input stay behind, for the bytes after a lead byte and the reads of
+// eight at once) nothing needs a bound; the rest goes one character at a time.
 template <Page kPage>
 int Decode(const ZelCodePageTables& tables, const BYTE* text, int length, WCHAR* buffer, int size) {
     const DecodeState s = DecodeStateOf(tables, length, size);
@@ -118,20 +113,20 @@ int Decode(const ZelCodePageTables& tables, const BYTE* text, int length, WCHAR*
     int in = 0;
     int out = 0;
     while (in < length && out < s.limit) {
-        const int span = std::min(length - in, s.limit - out) - 3;
+        const int span = std::min(length - in, s.limit - out) - 7;
         if (span > 0) {
             const BYTE* p = text + in;
             const BYTE* const end = p + span;
             WCHAR* o = buffer + out;
             while (p < end) {
-                if (end - p >= 8 && EightAscii(p)) {
-                    for (int i = 0; i < 8; ++i) o[i] = p[i];
-                    p += 8;
-                    o += 8;
-                    continue;
-                }
                 const BYTE b = *p;
                 if (b < 0x80) {
+                    if (EightAscii(p)) {
+                        for (int i = 0; i < 8; ++i) o[i] = p[i];
+                        p += 8;
+                        o += 8;
+                        continue;
+                    }
                     *o++ = b;
                     ++p;
                     continue;
@@ -259,12 +254,6 @@ int Encode(const ZelCodePageTables& tables, const WCHAR* text, int length, BYTE*
             const WCHAR* const end = p + span;
             BYTE* o = buffer + out;
             while (p < end) {
-                if (end - p >= 8 && EightAscii(p)) {
-                    for (int i = 0; i < 8; ++i) o[i] = BYTE(p[i]);
-                    p += 8;
-                    o += 8;
-                    continue;
-                }
                 const WCHAR u = *p;
                 unsigned v = uni2Mb[u];
                 if constexpr (kPage == Page::Kana932) v = IsHalfWidthUnit(u) ? unsigned(u - kHalfWidthOffset) : v;
@@ -273,7 +262,7 @@ int Encode(const ZelCodePageTables& tables, const WCHAR* text, int length, BYTE*
                     if (v == kZel936FourByteMarker) break;
                 }
                 const unsigned two = v > 0xFF;
-                o[0] = BYTE(two ? v >> 8 : v);
+                o[0] = BYTE(v >> (8 * two));
                 o[1] = BYTE(v);
                 o += 1 + two;
                 ++p;
