@@ -180,7 +180,11 @@ int FourByteForm(const WCHAR* text, int at, int length, BYTE bytes[4], int* used
         place = Zel936SupplementaryPlaceOf(codePoint);
         *used = 2;
     } else if (!IsSurrogate(u)) {
-        place = Zel936FourBytePlaceOf(u);
+        const DWORD code = Zel936FourByteCode(u);
+        if (code != 0) {
+            for (int i = 0; i < 4; ++i) bytes[i] = BYTE(code >> 8 * i);
+            return 4;
+        }
     }
     if (place < 0) {
         bytes[0] = BYTE(kZel936FourByteMarker >> 8);

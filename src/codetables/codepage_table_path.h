@@ -33,6 +33,8 @@ int ZelTableFromUnicodeOneByOne(UINT codePage, const ZelCodePageTables& tables, 
 // The units of a four-byte sequence, taken as the bytes stand: one unit of the basic plane or
 // the two halves of a pair. Gives 1 or 2.
 int Zel936FourBytesToUnicode(BYTE b1, BYTE b2, BYTE b3, BYTE b4, WCHAR units[2]);
+// The same through the walk of the runs, which fills the direct table that the above reads.
+int Zel936FourBytesToUnicodeByRuns(BYTE b1, BYTE b2, BYTE b3, BYTE b4, WCHAR units[2]);
 
 // The four bytes of place L in the sequence of four-byte codes.
 void Zel936FourBytesOfPlace(DWORD place, BYTE bytes[4]);
@@ -40,6 +42,9 @@ void Zel936FourBytesOfPlace(DWORD place, BYTE bytes[4]);
 // The place of a code point of the basic plane that carries the four-byte marker, counted from 0
 // for U+0080; -1 when it lies before the run that the walk stops at, so that it has no place.
 long Zel936FourBytePlaceOf(WCHAR u);
+// The four bytes of a code point of the basic plane other than a surrogate, in the order they are
+// written (the first in the lowest byte), or 0 when it has no place. One table read.
+DWORD Zel936FourByteCode(WCHAR u);
 // The place of a code point beyond the basic plane.
 long Zel936SupplementaryPlaceOf(DWORD codePoint);
 
