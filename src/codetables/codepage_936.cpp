@@ -18,10 +18,12 @@ constexpr long kSupplementaryPlaceOffset = 123464;
 
 constexpr long kLastCodePoint = 0x10FFFF;
 
+}  // namespace
+
 // The run walks below, once for every place and every code point, give two direct tables: the
 // code point of each place of the basic plane, and the four bytes of each code point (in the
 // order they are written, 0 for none: no four-byte code has a zero byte). Filled on first use.
-const WCHAR* UnitsOfPlaces() {
+const WCHAR* Zel936UnitsOfPlaces() {
     static WCHAR units[kZelFourByteBasicPlaneCodes];
     static const bool filled = [] {
         for (DWORD place = 0; place < kZelFourByteBasicPlaneCodes; ++place) {
@@ -37,7 +39,7 @@ const WCHAR* UnitsOfPlaces() {
     return units;
 }
 
-const DWORD* CodesOfUnits() {
+const DWORD* Zel936FourByteCodes() {
     static DWORD codes[0x10000];
     static const bool filled = [] {
         for (DWORD u = 0; u < 0x10000; ++u) {
@@ -52,8 +54,6 @@ const DWORD* CodesOfUnits() {
     (void)filled;
     return codes;
 }
-
-}  // namespace
 
 int Zel936FourBytesToUnicode(BYTE b1, BYTE b2, BYTE b3, BYTE b4, WCHAR units[2]) {
     const long value = ((long{b1} * 10 + b2) * 126 + b3) * 10 + b4;
@@ -70,7 +70,7 @@ int Zel936FourBytesToUnicode(BYTE b1, BYTE b2, BYTE b3, BYTE b4, WCHAR units[2])
     }
     const long place = value - kFirstFourByteValue;
     if (place >= 0 && place < long(kZelFourByteBasicPlaneCodes)) {
-        units[0] = UnitsOfPlaces()[place];
+        units[0] = Zel936UnitsOfPlaces()[place];
         return 1;
     }
     return Zel936FourBytesToUnicodeByRuns(b1, b2, b3, b4, units);
@@ -112,6 +112,6 @@ long Zel936FourBytePlaceOf(WCHAR u) {
     return long(before) + (u - run->first);
 }
 
-DWORD Zel936FourByteCode(WCHAR u) { return CodesOfUnits()[u]; }
+DWORD Zel936FourByteCode(WCHAR u) { return Zel936FourByteCodes()[u]; }
 
 long Zel936SupplementaryPlaceOf(DWORD codePoint) { return long(codePoint) + kSupplementaryPlaceOffset; }

@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "codetables/codepage_table_path.h"
+#include "codetables/gb_four_byte_runs.h"
 #include "platform/win32.h"
 
 namespace {
@@ -15,6 +16,9 @@ constexpr WORD kNoUnicode = 0xFFFD;
 constexpr WORD kHalfWidthOffset = 0xFEC0;
 constexpr bool IsHalfWidthByte(BYTE b) { return b >= 0xA0 && b <= 0xDF; }
 constexpr bool IsHalfWidthUnit(WCHAR u) { return u >= 0xFF60 && u <= 0xFF9F; }
+
+// V of the first four-byte code, 0x81 0x30 0x81 0x30: place 0.
+constexpr long kFirstFourByteValue = 1687218;
 
 constexpr bool IsHighSurrogate(WCHAR u) { return u >= 0xD800 && u <= 0xDBFF; }
 constexpr bool IsLowSurrogate(WCHAR u) { return u >= 0xDC00 && u <= 0xDFFF; }
@@ -109,7 +113,9 @@ int DecodeOneByOne(const ZelCodePageTables& tables, const BYTE* text, int length
 template <Page kPage>
 int Decode(const ZelCodePageTables& tables, const BYTE* text, int length, WCHAR* buffer, int size) {
     const DecodeState s = DecodeStateOf(tables, length, size);
-    if (s.count != 0x10000 - s.first) return DecodeOneByOne<kPage>(tables, text, length, buffer, size);
+    if (s.count != 0x10000 - s.first || s.first < 0x8000) return DecodeOneByOne<kPage>(tables, text, length, buffer, size);
+    [[maybe_unused]] const WCHAR* unitsOfPlaces = nullptr;
+    if constexpr (kPage == Page::Gb936) unitsOfPlaces = Zel936UnitsOfPlaces();
     int in = 0;
     int out = 0;
     while (in < length && out < s.limit) {
@@ -119,9 +125,12 @@ int Decode(const ZelCodePageTables& tables, const BYTE* text, int length, WCHAR*
             const BYTE* const end = p + span;
             WCHAR* o = buffer + out;
             while (p < end) {
+                // Every first code lies above 0x8000, so a byte below 0x80 and a lead byte
+                // below the first code are one case.
                 const BYTE b = *p;
-                if (b < 0x80) {
-                    if (EightAscii(p)) {
+                const unsigned code = unsigned{b} << 8 | p[1];
+                if (code < s.first) {
+                    if (b < 0x80 && EightAscii(p)) {
                         for (int i = 0; i < 8; ++i) o[i] = p[i];
                         p += 8;
                         o += 8;
@@ -138,20 +147,19 @@ int Decode(const ZelCodePageTables& tables, const BYTE* text, int length, WCHAR*
                         continue;
                     }
                 }
-                const unsigned code = unsigned{b} << 8 | p[1];
-                if (code < s.first) {
-                    *o++ = b;
-                    ++p;
-                    continue;
-                }
                 const WORD unit = s.mb2Uni[code - s.first];
                 if constexpr (kPage == Page::Gb936) {
                     if (unit == kZel936OpenerMarker) {
-                        WCHAR units[2] = {0, 0};
-                        const int n = Zel936FourBytesToUnicode(b, p[1], p[2], p[3], units);
-                        o[0] = units[0];
-                        o[1] = units[1];
-                        o += n;
+                        const long place = ((long{b} * 10 + p[1]) * 126 + p[2]) * 10 + p[3] - kFirstFourByteValue;
+                        if (place >= 0 && place < long(kZelFourByteBasicPlaneCodes)) {
+                            *o++ = unitsOfPlaces[place];
+                        } else {
+                            WCHAR units[2] = {0, 0};
+                            const int n = Zel936FourBytesToUnicode(b, p[1], p[2], p[3], units);
+                            o[0] = units[0];
+                            o[1] = units[1];
+                            o += n;
+                        }
                         p += 4;
                         continue;
                     }
@@ -248,6 +256,8 @@ template <Page kPage>
 int Encode(const ZelCodePageTables& tables, const WCHAR* text, int length, BYTE* buffer, int size) {
     const WORD* const uni2Mb = tables.uni2Mb;
     if (!uni2Mb) return EncodeOneByOne<kPage>(tables, text, length, buffer, size);
+    [[maybe_unused]] const DWORD* fourByteCodes = nullptr;
+    if constexpr (kPage == Page::Gb936) fourByteCodes = Zel936FourByteCodes();
     const int limit = size - 1;
     int in = 0;
     int out = 0;
@@ -263,7 +273,17 @@ int Encode(const ZelCodePageTables& tables, const WCHAR* text, int length, BYTE*
                 if constexpr (kPage == Page::Kana932) v = IsHalfWidthUnit(u) ? unsigned(u - kHalfWidthOffset) : v;
                 v = u <= 0x7F ? u : v;
                 if constexpr (kPage == Page::Gb936) {
-                    if (v == kZel936FourByteMarker) break;
+                    if (v == kZel936FourByteMarker) {
+                        // Four bytes for one unit: taken here while the room keeps two bytes for
+                        // every unit behind it; pairs, lone halves and the last of the room go
+                        // one at a time.
+                        const DWORD code = fourByteCodes[u];
+                        if (code == 0 || (buffer + limit) - o < 2 * (end - p) + 2) break;
+                        for (int i = 0; i < 4; ++i) o[i] = BYTE(code >> 8 * i);
+                        o += 4;
+                        ++p;
+                        continue;
+                    }
                 }
                 const unsigned two = v > 0xFF;
                 o[0] = BYTE(v >> (8 * two));

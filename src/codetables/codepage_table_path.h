@@ -45,6 +45,11 @@ long Zel936FourBytePlaceOf(WCHAR u);
 // The four bytes of a code point of the basic plane other than a surrogate, in the order they are
 // written (the first in the lowest byte), or 0 when it has no place. One table read.
 DWORD Zel936FourByteCode(WCHAR u);
+// The two direct tables behind the above: the four bytes of each code point of the basic plane
+// (0 for none, and for the surrogates), and the unit of each place below
+// kZelFourByteBasicPlaneCodes.
+const DWORD* Zel936FourByteCodes();
+const WCHAR* Zel936UnitsOfPlaces();
 // The place of a code point beyond the basic plane.
 long Zel936SupplementaryPlaceOf(DWORD codePoint);
 
