@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
+#include <type_traits>
 
 #include "codetables/codepage_table_path.h"
 #include "codetables/gb_four_byte_runs.h"
@@ -113,7 +114,8 @@ int DecodeOneByOne(const ZelCodePageTables& tables, const BYTE* text, int length
 template <Page kPage>
 int Decode(const ZelCodePageTables& tables, const BYTE* text, int length, WCHAR* buffer, int size) {
     const DecodeState s = DecodeStateOf(tables, length, size);
-    if (s.count != 0x10000 - s.first || s.first < 0x8000) return DecodeOneByOne<kPage>(tables, text, length, buffer, size);
+    if (s.count != 0x10000 - s.first || s.first < 0x8000)
+        return DecodeOneByOne<kPage>(tables, text, length, buffer, size);
     [[maybe_unused]] const WCHAR* unitsOfPlaces = nullptr;
     if constexpr (kPage == Page::Gb936) unitsOfPlaces = Zel936UnitsOfPlaces();
     int in = 0;
@@ -309,20 +311,30 @@ UINT ZelResolveCodePage(UINT codePage) {
     return codePage;
 }
 
+namespace {
+
+// Runs a walk made for the page of codePage: walk(std::integral_constant<Page, ...>).
+template <typename Walk>
+int ForPage(UINT codePage, Walk walk) {
+    switch (PageOf(codePage)) {
+    case Page::Kana932:
+        return walk(std::integral_constant<Page, Page::Kana932>{});
+    case Page::Gb936:
+        return walk(std::integral_constant<Page, Page::Gb936>{});
+    case Page::Plain:
+        break;
+    }
+    return walk(std::integral_constant<Page, Page::Plain>{});
+}
+
+}  // namespace
+
 int ZelTableToUnicode(UINT codePage, const ZelCodePageTables& tables, const char* text, int length, WCHAR* buffer,
                       int size) {
     if (!buffer || size < 1) return 0;
     length = ZelTextUnits(text, length);
     const BYTE* bytes = reinterpret_cast<const BYTE*>(text);
-    switch (PageOf(codePage)) {
-    case Page::Kana932:
-        return Decode<Page::Kana932>(tables, bytes, length, buffer, size);
-    case Page::Gb936:
-        return Decode<Page::Gb936>(tables, bytes, length, buffer, size);
-    case Page::Plain:
-        break;
-    }
-    return Decode<Page::Plain>(tables, bytes, length, buffer, size);
+    return ForPage(codePage, [&](auto page) { return Decode<page.value>(tables, bytes, length, buffer, size); });
 }
 
 int ZelTableFromUnicode(UINT codePage, const ZelCodePageTables& tables, const WCHAR* text, int length, char* buffer,
@@ -330,45 +342,23 @@ int ZelTableFromUnicode(UINT codePage, const ZelCodePageTables& tables, const WC
     if (!buffer || size < 1) return 0;
     length = ZelTextUnits(text, length);
     BYTE* bytes = reinterpret_cast<BYTE*>(buffer);
-    switch (PageOf(codePage)) {
-    case Page::Kana932:
-        return Encode<Page::Kana932>(tables, text, length, bytes, size);
-    case Page::Gb936:
-        return Encode<Page::Gb936>(tables, text, length, bytes, size);
-    case Page::Plain:
-        break;
-    }
-    return Encode<Page::Plain>(tables, text, length, bytes, size);
+    return ForPage(codePage, [&](auto page) { return Encode<page.value>(tables, text, length, bytes, size); });
 }
 
-int ZelTableToUnicodeOneByOne(UINT codePage, const ZelCodePageTables& tables, const char* text, int length, WCHAR* buffer,
-                      int size) {
+int ZelTableToUnicodeOneByOne(UINT codePage, const ZelCodePageTables& tables, const char* text, int length,
+                              WCHAR* buffer, int size) {
     if (!buffer || size < 1) return 0;
     length = ZelTextUnits(text, length);
     const BYTE* bytes = reinterpret_cast<const BYTE*>(text);
-    switch (PageOf(codePage)) {
-    case Page::Kana932:
-        return DecodeOneByOne<Page::Kana932>(tables, bytes, length, buffer, size);
-    case Page::Gb936:
-        return DecodeOneByOne<Page::Gb936>(tables, bytes, length, buffer, size);
-    case Page::Plain:
-        break;
-    }
-    return DecodeOneByOne<Page::Plain>(tables, bytes, length, buffer, size);
+    return ForPage(codePage,
+                   [&](auto page) { return DecodeOneByOne<page.value>(tables, bytes, length, buffer, size); });
 }
 
-int ZelTableFromUnicodeOneByOne(UINT codePage, const ZelCodePageTables& tables, const WCHAR* text, int length, char* buffer,
-                        int size) {
+int ZelTableFromUnicodeOneByOne(UINT codePage, const ZelCodePageTables& tables, const WCHAR* text, int length,
+                                char* buffer, int size) {
     if (!buffer || size < 1) return 0;
     length = ZelTextUnits(text, length);
     BYTE* bytes = reinterpret_cast<BYTE*>(buffer);
-    switch (PageOf(codePage)) {
-    case Page::Kana932:
-        return EncodeOneByOne<Page::Kana932>(tables, text, length, bytes, size);
-    case Page::Gb936:
-        return EncodeOneByOne<Page::Gb936>(tables, text, length, bytes, size);
-    case Page::Plain:
-        break;
-    }
-    return EncodeOneByOne<Page::Plain>(tables, text, length, bytes, size);
+    return ForPage(codePage,
+                   [&](auto page) { return EncodeOneByOne<page.value>(tables, text, length, bytes, size); });
 }
