@@ -275,12 +275,24 @@ int Encode(const ZelCodePageTables& tables, const WCHAR* text, int length, BYTE*
                 if constexpr (kPage == Page::Kana932) v = IsHalfWidthUnit(u) ? unsigned(u - kHalfWidthOffset) : v;
                 v = u <= 0x7F ? u : v;
                 if constexpr (kPage == Page::Gb936) {
-                    if (v == kZel936FourByteMarker) {
+                    // The marker without a four-byte form (a lone half among them) goes out
+                    // as the two bytes it is, below.
+                    if (v == kZel936FourByteMarker && IsHighSurrogate(u)) {
+                        // A pair: four bytes for two units. Its second half beyond the span is
+                        // left to the step one at a time.
+                        if (p + 1 == end) break;
+                        if (IsLowSurrogate(p[1])) {
+                            const DWORD codePoint = 0x10000 + ((DWORD(u) - 0xD800) << 10) + (DWORD(p[1]) - 0xDC00);
+                            Zel936FourBytesOfPlace(DWORD(Zel936SupplementaryPlaceOf(codePoint)), o);
+                            o += 4;
+                            p += 2;
+                            continue;
+                        }
+                    } else if (v == kZel936FourByteMarker && fourByteCodes[u] != 0) {
                         // Four bytes for one unit: taken here while the room keeps two bytes for
-                        // every unit behind it; pairs, lone halves and the last of the room go
-                        // one at a time.
+                        // every unit behind it; the last of the room goes one at a time.
+                        if ((buffer + limit) - o < 2 * (end - p) + 2) break;
                         const DWORD code = fourByteCodes[u];
-                        if (code == 0 || (buffer + limit) - o < 2 * (end - p) + 2) break;
                         for (int i = 0; i < 4; ++i) o[i] = BYTE(code >> 8 * i);
                         o += 4;
                         ++p;

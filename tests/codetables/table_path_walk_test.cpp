@@ -37,6 +37,13 @@ struct Tables {
     explicit Tables(UINT page) : mb2Uni(0x10000 - ZelFirstCodeOf(page)), uni2Mb(0x10000) {
         for (size_t i = 0; i < mb2Uni.size(); ++i) mb2Uni[i] = OddEntry(uint32_t(i) * 3 + page);
         for (size_t u = 0; u < uni2Mb.size(); ++u) uni2Mb[u] = OddEntry(uint32_t(u) * 7 + page + 1);
+        // As in the real table of 936: the marker on the surrogates and on many code points with
+        // a four-byte form.
+        if (page == 936) {
+            for (size_t u = 0xD800; u <= 0xDFFF; ++u) uni2Mb[u] = kZel936FourByteMarker;
+            for (size_t u = 0x80; u < uni2Mb.size(); u += 2)
+                if (Zel936FourByteCode(WCHAR(u)) != 0) uni2Mb[u] = kZel936FourByteMarker;
+        }
         view = {mb2Uni.data(), DWORD(mb2Uni.size()), uni2Mb.data(), ZelFirstCodeOf(page)};
     }
     std::vector<uint16_t> mb2Uni;
