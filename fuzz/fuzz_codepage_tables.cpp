@@ -1,7 +1,8 @@
 // Random bytes and random UTF-16 through every table code page, with random sizes. The tables are
 // written once into a temporary ${Common}, with scrambled mappings so that every kind of entry
 // turns up, the markers of 936 among them. Behind every output buffer lies a canary: nothing may
-// be written past the size, the count is never above size - 1 and the text is terminated.
+// be written past the size, the count is never above size - 1 and the text is terminated. The
+// bulk walks of the table path must also give what the one-by-one walks give, count and buffer.
 #include <sys/stat.h>
 #include <unistd.h>
 #include <zel/codetables.h>
@@ -17,6 +18,7 @@
 
 #include "code_table_writer.h"
 #include "codetables/code_tables.h"
+#include "codetables/codepage_table_path.h"
 #include "platform/win32.h"
 
 #include "fuzz_check.h"
@@ -97,6 +99,22 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     Output<char> narrow(outSize);
     narrow.Verify(ZelUnicodeToAnsi(0, page, units.get(), counted ? int(unitCount) : -1, narrow.data(), outSize,
                                    counted ? "*" : nullptr));
+
+    // The same text through both walks of the tables, the whole buffers compared.
+    const ZelCodePageTables* tables = ZelCodePageTablesOf(page);
+    Check(tables != nullptr);
+    Output<WCHAR> wideBulk(outSize), wideByOne(outSize);
+    const int wideCount = ZelTableToUnicode(page, *tables, bytes.get(), length, wideBulk.data(), outSize);
+    wideBulk.Verify(wideCount);
+    Check(wideCount == ZelTableToUnicodeOneByOne(page, *tables, bytes.get(), length, wideByOne.data(), outSize));
+    Check(wideBulk.units == wideByOne.units);
+    Output<char> narrowBulk(outSize), narrowByOne(outSize);
+    const int unitLength = counted ? int(unitCount) : -1;
+    const int narrowCount = ZelTableFromUnicode(page, *tables, units.get(), unitLength, narrowBulk.data(), outSize);
+    narrowBulk.Verify(narrowCount);
+    Check(narrowCount ==
+          ZelTableFromUnicodeOneByOne(page, *tables, units.get(), unitLength, narrowByOne.data(), outSize));
+    Check(narrowBulk.units == narrowByOne.units);
 
     Output<char> across(outSize);
     across.Verify(ZelAnsiToAnsi(0, page, bytes.get(), length, other, across.data(), outSize, nullptr));

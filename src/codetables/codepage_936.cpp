@@ -20,6 +20,41 @@ constexpr long kLastCodePoint = 0x10FFFF;
 
 }  // namespace
 
+// The run walks below, once for every place and every code point, give two direct tables: the
+// code point of each place of the basic plane, and the four bytes of each code point (in the
+// order they are written, 0 for none: no four-byte code has a zero byte). Filled on first use.
+const WCHAR* Zel936UnitsOfPlaces() {
+    static WCHAR units[kZelFourByteBasicPlaneCodes];
+    static const bool filled = [] {
+        for (DWORD place = 0; place < kZelFourByteBasicPlaneCodes; ++place) {
+            BYTE bytes[4];
+            Zel936FourBytesOfPlace(place, bytes);
+            WCHAR unit[2];
+            Zel936FourBytesToUnicodeByRuns(bytes[0], bytes[1], bytes[2], bytes[3], unit);
+            units[place] = unit[0];
+        }
+        return true;
+    }();
+    (void)filled;
+    return units;
+}
+
+const DWORD* Zel936FourByteCodes() {
+    static DWORD codes[0x10000];
+    static const bool filled = [] {
+        for (DWORD u = 0; u < 0x10000; ++u) {
+            const long place = (u >= 0xD800 && u <= 0xDFFF) ? -1 : Zel936FourBytePlaceOf(WCHAR(u));
+            if (place < 0) continue;
+            BYTE bytes[4];
+            Zel936FourBytesOfPlace(DWORD(place), bytes);
+            codes[u] = DWORD(bytes[0]) | DWORD(bytes[1]) << 8 | DWORD(bytes[2]) << 16 | DWORD(bytes[3]) << 24;
+        }
+        return true;
+    }();
+    (void)filled;
+    return codes;
+}
+
 int Zel936FourBytesToUnicode(BYTE b1, BYTE b2, BYTE b3, BYTE b4, WCHAR units[2]) {
     const long value = ((long{b1} * 10 + b2) * 126 + b3) * 10 + b4;
     if (value >= kFirstSupplementaryValue) {
@@ -33,6 +68,17 @@ int Zel936FourBytesToUnicode(BYTE b1, BYTE b2, BYTE b3, BYTE b4, WCHAR units[2])
         units[1] = WCHAR(0xDC00 + (codePoint & 0x3FF));
         return 2;
     }
+    const long place = value - kFirstFourByteValue;
+    if (place >= 0 && place < long(kZelFourByteBasicPlaneCodes)) {
+        units[0] = Zel936UnitsOfPlaces()[place];
+        return 1;
+    }
+    return Zel936FourBytesToUnicodeByRuns(b1, b2, b3, b4, units);
+}
+
+int Zel936FourBytesToUnicodeByRuns(BYTE b1, BYTE b2, BYTE b3, BYTE b4, WCHAR units[2]) {
+    const long value = ((long{b1} * 10 + b2) * 126 + b3) * 10 + b4;
+    if (value >= kFirstSupplementaryValue) return Zel936FourBytesToUnicode(b1, b2, b3, b4, units);
     // The first run whose running sum passes L; the surrogates' run repeats the sum before it and
     // so is never the one.
     const long place = value - kFirstFourByteValue;
@@ -65,5 +111,7 @@ long Zel936FourBytePlaceOf(WCHAR u) {
     const DWORD before = k == 0 ? 0 : kZelFourByteRunSums.ends[k - 1];
     return long(before) + (u - run->first);
 }
+
+DWORD Zel936FourByteCode(WCHAR u) { return Zel936FourByteCodes()[u]; }
 
 long Zel936SupplementaryPlaceOf(DWORD codePoint) { return long(codePoint) + kSupplementaryPlaceOffset; }

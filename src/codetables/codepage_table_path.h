@@ -20,12 +20,21 @@ int ZelTableToUnicode(UINT codePage, const ZelCodePageTables& tables, const char
 int ZelTableFromUnicode(UINT codePage, const ZelCodePageTables& tables, const WCHAR* text, int length,
                         char* buffer, int size);
 
+// The same two conversions one character at a time, with every bound checked at every step: the
+// plain form of the rules, which the walks above must match unit for unit and byte for byte.
+int ZelTableToUnicodeOneByOne(UINT codePage, const ZelCodePageTables& tables, const char* text, int length,
+                              WCHAR* buffer, int size);
+int ZelTableFromUnicodeOneByOne(UINT codePage, const ZelCodePageTables& tables, const WCHAR* text, int length,
+                                char* buffer, int size);
+
 // ---------------------------------------------------------------------------------------------
 // Four-byte sequences of code page 936
 
 // The units of a four-byte sequence, taken as the bytes stand: one unit of the basic plane or
 // the two halves of a pair. Gives 1 or 2.
 int Zel936FourBytesToUnicode(BYTE b1, BYTE b2, BYTE b3, BYTE b4, WCHAR units[2]);
+// The same through the walk of the runs, which fills the direct table that the above reads.
+int Zel936FourBytesToUnicodeByRuns(BYTE b1, BYTE b2, BYTE b3, BYTE b4, WCHAR units[2]);
 
 // The four bytes of place L in the sequence of four-byte codes.
 void Zel936FourBytesOfPlace(DWORD place, BYTE bytes[4]);
@@ -33,6 +42,14 @@ void Zel936FourBytesOfPlace(DWORD place, BYTE bytes[4]);
 // The place of a code point of the basic plane that carries the four-byte marker, counted from 0
 // for U+0080; -1 when it lies before the run that the walk stops at, so that it has no place.
 long Zel936FourBytePlaceOf(WCHAR u);
+// The four bytes of a code point of the basic plane other than a surrogate, in the order they are
+// written (the first in the lowest byte), or 0 when it has no place. One table read.
+DWORD Zel936FourByteCode(WCHAR u);
+// The two direct tables behind the above: the four bytes of each code point of the basic plane
+// (0 for none, and for the surrogates), and the unit of each place below
+// kZelFourByteBasicPlaneCodes.
+const DWORD* Zel936FourByteCodes();
+const WCHAR* Zel936UnitsOfPlaces();
 // The place of a code point beyond the basic plane.
 long Zel936SupplementaryPlaceOf(DWORD codePoint);
 

@@ -64,6 +64,31 @@ TEST(TablePath936Runs, PlacesBeyondTheBasicPlane) {
     EXPECT_EQ(Wide(u"\uAC00"), Decode("\x8F\x39\xFE\x39"));
 }
 
+// The direct tables answer as the walks of the runs do, for every four-byte shape (with bytes
+// just outside the ranges too) and every code point.
+TEST(TablePath936Runs, DirectTablesAgreeWithTheRuns) {
+    for (unsigned b1 = 0x80; b1 <= 0xFF; ++b1)
+        for (unsigned b2 = 0x2F; b2 <= 0x3A; ++b2)
+            for (unsigned b3 = 0x80; b3 <= 0xFF; ++b3)
+                for (unsigned b4 = 0x2F; b4 <= 0x3A; ++b4) {
+                    WCHAR direct[2] = {0, 0}, walked[2] = {0, 0};
+                    const int n = Zel936FourBytesToUnicode(BYTE(b1), BYTE(b2), BYTE(b3), BYTE(b4), direct);
+                    ASSERT_EQ(Zel936FourBytesToUnicodeByRuns(BYTE(b1), BYTE(b2), BYTE(b3), BYTE(b4), walked), n);
+                    ASSERT_EQ(Wide(walked, walked + n), Wide(direct, direct + n))
+                        << std::hex << b1 << ' ' << b2 << ' ' << b3 << ' ' << b4;
+                }
+    for (DWORD u = 0; u < 0x10000; ++u) {
+        const long place = (u >= 0xD800 && u <= 0xDFFF) ? -1 : Zel936FourBytePlaceOf(WCHAR(u));
+        const DWORD code = Zel936FourByteCode(WCHAR(u));
+        if (place < 0) {
+            ASSERT_EQ(0u, code) << std::hex << u;
+            continue;
+        }
+        const std::string bytes = Bytes(DWORD(place));
+        for (int i = 0; i < 4; ++i) ASSERT_EQ(BYTE(bytes[size_t(i)]), BYTE(code >> 8 * i)) << std::hex << u;
+    }
+}
+
 using TablePath936 = TablePathFixture;
 
 Wide ToWide(const std::string& text, int length, int size = 32) {
