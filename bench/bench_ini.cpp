@@ -20,7 +20,7 @@
 
 #include "bench_temp_file.h"
 #include "platform/win32.h"
-#include "cpu_times.h"
+#include "ratio_reporter.h"
 
 namespace {
 
@@ -175,7 +175,7 @@ const std::pair<const char*, Operation> kOperations[] = {
     {"by name in order", ByNameInOrder}, {"by name at random", ByNameAtRandom}, {"by index", ByIndex},
     {"load", Load}, {"save", Save}};
 
-void PrintPerEntry(const CpuTimesReporter& reporter) {
+void PrintPerEntry(const RatioReporter& reporter) {
     std::printf("\nCPU time an entry, ns (ratio: 3,000 sections over 10)\n%-18s", "");
     for (int sections : kSectionCounts) std::printf(" %10d", sections);
     std::printf(" %10s\n", "ratio");
@@ -214,7 +214,7 @@ int main(int argc, char** argv) {
     benchmark::RegisterBenchmark("read the whole file", ReadWholeFile);
     benchmark::RegisterBenchmark("ZelGetPrivateProfileString", ProfileString);
     benchmark::RegisterBenchmark("ZelGetPrivateProfileInt", ProfileInt);
-    CpuTimesReporter reporter;
+    RatioReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
     PrintPerEntry(reporter);
     benchmark::Shutdown();

@@ -16,7 +16,7 @@
 
 #include "bench_temp_file.h"
 #include "platform/win32.h"
-#include "cpu_times.h"
+#include "ratio_reporter.h"
 
 namespace {
 
@@ -237,7 +237,7 @@ const std::pair<const char*, Operation> kOperations[] = {
 };
 
 // CPU µs a key for each operation and shape, and the cost at 100,000 children over that at 100.
-void PrintPerKey(const CpuTimesReporter& reporter, const std::vector<std::string>& labels) {
+void PrintPerKey(const RatioReporter& reporter, const std::vector<std::string>& labels) {
     std::printf("\nCPU time a key, µs (ratio: 100,000 children over 100)\n%-14s", "");
     for (const std::string& label : labels) std::printf(" %10s", label.c_str());
     std::printf(" %10s\n", "ratio");
@@ -268,7 +268,7 @@ int main(int argc, char** argv) {
         for (const std::string& label : labels)
             benchmark::RegisterBenchmark((std::string(operation) + "/" + label).c_str(), run, label)
                 ->Unit(benchmark::kMillisecond);
-    CpuTimesReporter reporter;
+    RatioReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
     PrintPerKey(reporter, labels);
     benchmark::Shutdown();

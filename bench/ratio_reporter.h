@@ -1,5 +1,6 @@
-// The console reporter of the benchmarks, which also keeps each benchmark's best time (the median
-// where only aggregates are reported), so that a program can print its ratios to the peers.
+// The console reporter of the benchmarks, which also keeps each benchmark's best real and CPU time
+// (the median where only aggregates are reported), so that a program can print its ratios to the
+// peers. On a machine shared with builds the CPU time is the steadier of the two.
 #ifndef ZEL_BENCH_RATIO_REPORTER_H
 #define ZEL_BENCH_RATIO_REPORTER_H
 
@@ -17,18 +18,16 @@ public:
         for (const Run& run : runs) {
             const bool iteration = run.run_type == Run::RT_Iteration;
             if (run.error_occurred || (!iteration && run.aggregate_name != "median")) continue;
-            const double time = run.GetAdjustedRealTime();
-            const auto [at, added] = times_.emplace(run.run_name.str(), time);
-            if (!added && iteration) at->second = std::min(at->second, time);
+            Keep(times_, run.run_name.str(), run.GetAdjustedRealTime(), iteration);
+            Keep(cpu_, run.run_name.str(), run.GetAdjustedCPUTime(), iteration);
         }
         ConsoleReporter::ReportRuns(runs);
     }
 
     // The best time of a benchmark by its name, or 0 when it did not run.
-    double Time(const std::string& name) const {
-        auto found = times_.find(name);
-        return found == times_.end() ? 0 : found->second;
-    }
+    double Time(const std::string& name) const { return Find(times_, name); }
+    // The same in CPU time.
+    double Cpu(const std::string& name) const { return Find(cpu_, name); }
 
     // One row a conversion: the time of "<conversion>/ours" over that of "<conversion>/<peer>".
     void PrintRatios(const std::vector<std::string>& conversions, const std::vector<const char*>& peers,
@@ -50,7 +49,18 @@ public:
     }
 
 private:
-    std::map<std::string, double> times_;
+    using Times = std::map<std::string, double>;
+    static void Keep(Times& times, const std::string& name, double time, bool iteration) {
+        const auto [at, added] = times.emplace(name, time);
+        if (!added && iteration) at->second = std::min(at->second, time);
+    }
+    static double Find(const Times& times, const std::string& name) {
+        auto found = times.find(name);
+        return found == times.end() ? 0 : found->second;
+    }
+
+    Times times_;
+    Times cpu_;
 };
 
 #endif  // ZEL_BENCH_RATIO_REPORTER_H

@@ -122,11 +122,8 @@ int Get(const RegistryPath& path, const std::string& name) {
 bool ValueBytes(const std::string& type, const std::string& value, DWORD& regType, std::vector<BYTE>& bytes,
                 std::string& problem) {
     if (type == "sz") {
-        std::u16string wide = FromUtf8(value);
-        std::vector<char> narrow(wide.size() * 4 + 4);
-        ZelUnicodeToAnsi(0, 0, wide.c_str(), -1, narrow.data(), static_cast<int>(narrow.size()));
         regType = REG_SZ;
-        bytes.assign(narrow.begin(), narrow.begin() + static_cast<long>(strlen(narrow.data()) + 1));
+        bytes = AnsiSzData(value);
         return true;
     }
     if (type == "dword") {

@@ -25,16 +25,12 @@
 #include "commands.h"
 #include "input.h"
 #include "registry_text.h"
+#include "report.h"
 #include "text.h"
 
 namespace {
 
 constexpr char kHeader[] = "; zel registry export 1";
-
-int Fail(const std::string& message) {
-    fprintf(stderr, "zel reg: %s\n", message.c_str());
-    return 1;
-}
 
 // Text with quotes and backslashes escaped, and control characters as \xHH.
 std::string Quote(const std::string& text) {
@@ -98,13 +94,6 @@ bool TextOf(const std::vector<BYTE>& data, std::string& text) {
     if (ansi.find('\0') != std::string::npos) return false;
     text = ToUtf8(AnsiToWide(ansi).c_str());
     return true;
-}
-
-std::vector<BYTE> AnsiBytes(const std::string& utf8) {
-    std::u16string wide = FromUtf8(utf8);
-    std::vector<char> narrow(wide.size() * 4 + 4);
-    ZelUnicodeToAnsi(0, 0, wide.c_str(), -1, narrow.data(), static_cast<int>(narrow.size()));
-    return std::vector<BYTE>(narrow.begin(), narrow.begin() + static_cast<long>(strlen(narrow.data()) + 1));
 }
 
 std::string ValueLine(const std::u16string& name, DWORD type, const std::vector<BYTE>& data) {
@@ -193,7 +182,7 @@ bool ParseValue(const std::string& line, std::u16string& name, DWORD& type, std:
     if (kind == "sz" || kind == "expand_sz") {
         if (!Unquote(rest, at, text) || at != rest.size()) return false;
         type = kind == "sz" ? REG_SZ : REG_EXPAND_SZ;
-        data = AnsiBytes(text);
+        data = AnsiSzData(text);
         return true;
     }
     if (kind == "dword") {

@@ -91,6 +91,13 @@ size_t AnsiBytes(const std::u16string& text) {
     return count > 0 ? static_cast<size_t>(count) : 0;
 }
 
+std::vector<BYTE> AnsiSzData(const std::string& utf8) {
+    std::u16string wide = FromUtf8(utf8);
+    std::vector<char> narrow(wide.size() * 4 + 4);
+    ZelUnicodeToAnsi(0, 0, wide.c_str(), -1, narrow.data(), static_cast<int>(narrow.size()));
+    return std::vector<BYTE>(narrow.begin(), narrow.begin() + static_cast<long>(strlen(narrow.data()) + 1));
+}
+
 std::string DescribeValue(DWORD type, const std::vector<BYTE>& data) {
     std::string bytes;
     for (BYTE byte : data) {

@@ -26,6 +26,10 @@ bool ParseHexBytes(const std::string& text, std::vector<BYTE>& bytes);
 // The length of text in the ANSI code page, as the registry stores it, in bytes.
 size_t AnsiBytes(const std::u16string& text);
 
+// REG_SZ data as the registry's ANSI calls take it: UTF-8 text in the ANSI code page, up to its
+// first zero, with the terminator.
+std::vector<BYTE> AnsiSzData(const std::string& utf8);
+
 // ANSI text of the registry as 16-bit text.
 std::u16string AnsiToWide(const std::string& text);
 
