@@ -5,7 +5,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "platform/posix/registry_format.h"
+#include "platform/posix/registry/registry_format.h"
 
 namespace {
 

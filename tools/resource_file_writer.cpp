@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "platform/posix/resource_file_layout.h"
+#include "platform/posix/modules/resource_file_layout.h"
 
 namespace zelres {
 namespace {

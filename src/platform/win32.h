@@ -1,7 +1,8 @@
 // The operating system's interfaces that the library calls, under their Win32 names. On POSIX the
-// bodies live in posix/, one file per family; each A call converts through the ANSI code page and
-// calls its W twin. Those that a program needs for what the interface hands it are declared, and
-// exported, in zel/platform.h; none of the others is exported.
+// bodies live in posix/, one folder per area (process, files, shell, nls, modules, profile,
+// runtime, registry); each A call converts through the ANSI code page and calls its W twin.
+// Those that a program needs for what the interface hands it are declared, and exported, in
+// zel/platform.h; none of the others is exported.
 #ifndef ZEL_PLATFORM_WIN32_H
 #define ZEL_PLATFORM_WIN32_H
 
@@ -13,7 +14,7 @@
 #include <string>
 
 // ---------------------------------------------------------------------------------------------
-// Process (posix/process.cpp)
+// Process (posix/process/process.cpp)
 
 // The library's entry point, implemented by the frame; the platform calls it at load, at unload
 // and when a thread that used a thread slot ends.
@@ -36,7 +37,7 @@ LONG InterlockedIncrement(LONG volatile* value);
 LONG InterlockedDecrement(LONG volatile* value);
 
 // ---------------------------------------------------------------------------------------------
-// Errors (posix/errors.cpp). GetLastError and SetLastError: zel/platform.h.
+// Errors (posix/process/errors.cpp). GetLastError and SetLastError: zel/platform.h.
 
 // The one place where a POSIX errno becomes a Win32 error code.
 DWORD ZelPlatformErrorFromErrno(int error);
@@ -44,7 +45,7 @@ DWORD ZelPlatformErrorFromErrno(int error);
 DWORD ZelPlatformSetLastErrorFromErrno();
 
 // ---------------------------------------------------------------------------------------------
-// Modules (posix/modules.cpp). GetProcAddress, GetModuleHandleA/W and FreeLibrary: zel/platform.h.
+// Modules (posix/modules/modules.cpp). GetProcAddress, GetModuleHandleA/W and FreeLibrary: zel/platform.h.
 
 HMODULE LoadLibraryA(LPCSTR fileName);
 HMODULE LoadLibraryW(LPCWSTR fileName);
@@ -61,8 +62,8 @@ struct ZelDataModule {
 const ZelDataModule* ZelPlatformDataModule(HMODULE module);
 
 // ---------------------------------------------------------------------------------------------
-// Resources (posix/resources.cpp): the resources of a data module, read from its bytes as a
-// resource file (posix/resource_file_layout.h). Names and types are integers (MAKEINTRESOURCE) or
+// Resources (posix/modules/resources.cpp): the resources of a data module, read from its bytes as a
+// resource file (posix/modules/resource_file_layout.h). Names and types are integers (MAKEINTRESOURCE) or
 // "#123". A file that is no resource file fails with ERROR_RESOURCE_DATA_NOT_FOUND and a damaged
 // one with ERROR_BAD_FORMAT; nothing outside the file's bytes is ever read.
 
@@ -77,13 +78,13 @@ DWORD SizeofResource(HMODULE module, HRSRC resource);
 int LoadStringA(HMODULE module, UINT id, LPSTR buffer, int size);
 
 // ---------------------------------------------------------------------------------------------
-// Messages (posix/messages.cpp)
+// Messages (posix/shell/messages.cpp)
 
 void OutputDebugStringA(LPCSTR text);
 int MessageBoxA(HWND owner, LPCSTR text, LPCSTR caption, UINT style);
 int MessageBoxW(HWND owner, LPCWSTR text, LPCWSTR caption, UINT style);
 
-// The system's message texts (posix/format_message.cpp), in English whatever the language asked
+// The system's message texts (posix/modules/format_message.cpp), in English whatever the language asked
 // for: language 0, a default language or any English one. A code may come as its HRESULT
 // 0x8007xxxx. With FORMAT_MESSAGE_ALLOCATE_BUFFER, buffer receives a block from LocalAlloc, which
 // LocalFree releases.
@@ -92,20 +93,20 @@ DWORD FormatMessageA(DWORD flags, LPCVOID source, DWORD messageId, DWORD languag
 HLOCAL LocalAlloc(UINT flags, SIZE_T size);
 
 // ---------------------------------------------------------------------------------------------
-// Locale (posix/locale.cpp)
+// Locale (posix/nls/locale.cpp)
 
 LANGID GetUserDefaultLangID();
 LCID GetUserDefaultLCID();
 LANGID GetSystemDefaultLangID();
 LCID GetSystemDefaultLCID();
 
-// Locale information from a table of the system's locales (posix/locale_info.cpp). The default
+// Locale information from a table of the system's locales (posix/nls/locale_info.cpp). The default
 // locale values stand for the user's and the system's language.
 int GetLocaleInfoW(LCID locale, LCTYPE type, LPWSTR buffer, int size);
 int GetLocaleInfoA(LCID locale, LCTYPE type, LPSTR buffer, int size);
 
 // ---------------------------------------------------------------------------------------------
-// Version information (posix/version_info.cpp). The library's executables and libraries carry no
+// Version information (posix/files/version_info.cpp). The library's executables and libraries carry no
 // version resource, and these calls answer as Win32 does for such a file.
 
 DWORD GetFileVersionInfoSizeA(LPCSTR fileName, LPDWORD handle);
@@ -113,7 +114,7 @@ BOOL GetFileVersionInfoA(LPCSTR fileName, DWORD handle, DWORD size, LPVOID data)
 BOOL VerQueryValueA(LPCVOID block, LPCSTR subBlock, LPVOID* value, PUINT length);
 
 // ---------------------------------------------------------------------------------------------
-// Code pages (posix/codepages.cpp)
+// Code pages (posix/nls/codepages.cpp)
 
 UINT GetACP();
 UINT GetOEMCP();
@@ -135,7 +136,7 @@ std::string ZelPlatformWideToUtf8(const std::u16string& text);
 std::u16string ZelPlatformUtf8ToWide(const std::string& text);
 
 // ---------------------------------------------------------------------------------------------
-// Registry (posix/registry*.cpp)
+// Registry (posix/registry/)
 
 // RegQueryValueExA/W, RegEnumKeyA/W, RegEnumValueA/W, RegQueryInfoKeyA/W and RegCloseKey:
 // zel/platform.h.
@@ -163,7 +164,7 @@ LONG RegSaveKeyA(HKEY key, LPCSTR fileName, const SECURITY_ATTRIBUTES* security)
 LONG RegSaveKeyW(HKEY key, LPCWSTR fileName, const SECURITY_ATTRIBUTES* security);
 
 // ---------------------------------------------------------------------------------------------
-// Paths (posix/paths.cpp): the one place where the library's Windows form of a path meets the
+// Paths (posix/files/paths.cpp): the one place where the library's Windows form of a path meets the
 // system's. Toward the system backslashes become slashes and a drive x: becomes the directory that
 // ZEL_DRIVE_X names, or the root; from the system slashes become backslashes. Names are UTF-8.
 // A path that the system gives as 16-bit text (an environment variable read with _wgetenv) takes
@@ -174,8 +175,8 @@ std::u16string ZelPlatformPathFromSystem(const char* path);
 std::u16string ZelPlatformPathFromSystem(LPCWSTR path);
 
 // ---------------------------------------------------------------------------------------------
-// Files and directories (posix/files.cpp, posix/directories.cpp, posix/find.cpp,
-// posix/volumes.cpp). Paths are in the library's Windows form; failures set the last error.
+// Files and directories (posix/files/files.cpp, posix/files/directories.cpp, posix/files/find.cpp,
+// posix/files/volumes.cpp). Paths are in the library's Windows form; failures set the last error.
 
 // CreateFileA/W, ReadFile, WriteFile, GetFileSize, SetFilePointer, LockFile, UnlockFile and
 // CloseHandle: zel/platform.h.
@@ -244,7 +245,7 @@ UINT GetSystemDirectoryA(LPSTR buffer, UINT size);
 UINT GetSystemDirectoryW(LPWSTR buffer, UINT size);
 
 // ---------------------------------------------------------------------------------------------
-// Profile files (posix/profile*.cpp): plain 8-bit INI files in the ANSI code page. A file name
+// Profile files (posix/profile/): plain 8-bit INI files in the ANSI code page. A file name
 // without a directory lies in the Windows directory, which a write makes when it is missing; the
 // GetProfile and WriteProfile calls use win.ini there. Sections and keys match without regard to
 // case. A null section lists the sections, a null key the keys of the section, each name followed
@@ -269,7 +270,7 @@ BOOL WritePrivateProfileStringA(LPCSTR section, LPCSTR key, LPCSTR value, LPCSTR
 BOOL WritePrivateProfileStringW(LPCWSTR section, LPCWSTR key, LPCWSTR value, LPCWSTR fileName);
 
 // ---------------------------------------------------------------------------------------------
-// The run-time's file calls (posix/runtime_files.cpp), with the Win32 run-time's flag values and
+// The run-time's file calls (posix/runtime/runtime_files.cpp), with the Win32 run-time's flag values and
 // records. In a namespace of their own, since fopen, freopen, remove and rename are also the C
 // library's names.
 
@@ -328,7 +329,7 @@ const char* Argument(int index);  // 8-bit, in the ANSI code page; null out of r
 }  // namespace crt
 
 // ---------------------------------------------------------------------------------------------
-// Shell (posix/shell*.cpp). Windows, classes and drag and drop have no counterpart: those calls
+// Shell (posix/shell/). Windows, classes and drag and drop have no counterpart: those calls
 // give the Win32 failure result with ERROR_CALL_NOT_IMPLEMENTED.
 
 int SHFileOperationA(LPSHFILEOPSTRUCTA operation);
@@ -363,8 +364,8 @@ UINT DragQueryFileA(HDROP drop, UINT index, LPSTR file, UINT size);
 UINT DragQueryFileW(HDROP drop, UINT index, LPWSTR file, UINT size);
 
 // ---------------------------------------------------------------------------------------------
-// Time, version, command line and dates (posix/time.cpp, posix/version.cpp,
-// posix/command_line.cpp, posix/date_format.cpp)
+// Time, version, command line and dates (posix/process/time.cpp, posix/process/version.cpp,
+// posix/process/command_line.cpp, posix/nls/date_format.cpp)
 
 void GetSystemTime(LPSYSTEMTIME time);
 void GetLocalTime(LPSYSTEMTIME time);
@@ -396,7 +397,7 @@ int GetTimeFormatW(LCID locale, DWORD flags, const SYSTEMTIME* time, LPCWSTR for
 int GetTimeFormatA(LCID locale, DWORD flags, const SYSTEMTIME* time, LPCSTR format, LPSTR buffer, int size);
 
 // ---------------------------------------------------------------------------------------------
-// System modules (posix/system_modules.cpp): LoadLibrary and GetModuleHandle know "kernel32.dll"
+// System modules (posix/modules/system_modules.cpp): LoadLibrary and GetModuleHandle know "kernel32.dll"
 // and "shell32.dll" (any case), whose GetProcAddress gives the platform calls above that the
 // library binds at run time. ZEL_HIDE_CALLS, a list of names separated by commas, hides calls
 // from GetProcAddress, read when it is asked.
@@ -406,7 +407,7 @@ FARPROC ZelPlatformSystemProc(HMODULE module, LPCSTR name);    // null when unkn
 LPCWSTR ZelPlatformSystemModuleName(HMODULE module);          // "kernel32.dll" ..., or null
 
 // ---------------------------------------------------------------------------------------------
-// Component model (posix/component_model.cpp). Objects live in their own process only, so there
+// Component model (posix/shell/component_model.cpp). Objects live in their own process only, so there
 // are no remote connections to cut. InterlockedIncrement and InterlockedDecrement are above.
 
 HRESULT CoDisconnectObject(LPUNKNOWN unknown, DWORD reserved);

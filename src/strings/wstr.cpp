@@ -8,7 +8,7 @@
 #include <map>
 #include <string>
 
-#include "platform/posix/thread_object.h"
+#include "platform/posix/process/thread_object.h"
 #include "platform/win32.h"
 
 size_t wcslen(const WCHAR* s) {

@@ -9,7 +9,7 @@
 #include <string>
 
 #include "frame/thread_data.h"
-#include "platform/posix/registry_files.h"
+#include "platform/posix/registry/registry_files.h"
 #include "platform/win32.h"
 #include "support/support.h"
 

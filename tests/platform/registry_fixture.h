@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/posix/registry_tree.h"  // the status codes the common header lacks
+#include "platform/posix/registry/registry_tree.h"  // the status codes the common header lacks
 #include "platform/win32.h"
 #include "support/support.h"
 

@@ -5,7 +5,7 @@
 #include <set>
 #include <string>
 
-#include "platform/posix/registry_format.h"
+#include "platform/posix/registry/registry_format.h"
 
 using namespace zelreg;
 using Lines = std::set<std::u16string>;

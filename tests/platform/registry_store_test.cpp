@@ -8,8 +8,8 @@
 #include <cerrno>
 #include <filesystem>
 
-#include "platform/posix/registry_files.h"
-#include "platform/posix/registry_format.h"
+#include "platform/posix/registry/registry_files.h"
+#include "platform/posix/registry/registry_format.h"
 #include "registry_fixture.h"
 
 using RegistryStore = RegistryTest;

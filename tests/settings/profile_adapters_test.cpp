@@ -7,7 +7,7 @@
 #include <random>
 #include <string>
 
-#include "platform/posix/profile_file.h"
+#include "platform/posix/profile/profile_file.h"
 #include "platform/win32.h"
 #include "support/support.h"
 
