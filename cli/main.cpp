@@ -1,11 +1,11 @@
 // zel: the command line face of ZelBL70KT.
 #include <cerrno>
-#include <csignal>
 #include <cstdio>
 #include <cstring>
 
 #include "commands.h"
 #include "report.h"
+#include "system.h"
 
 namespace {
 
@@ -72,8 +72,7 @@ const std::vector<Command>& Commands() {
 }
 
 int main(int argc, char** argv) {
-    // A file size limit makes a write fail with EFBIG, which zel reports, rather than end zel.
-    signal(SIGXFSZ, SIG_IGN);
+    KeepRunningOverFileSizeLimit();
     if (argc < 2) {
         fputs("zel: no command given\n\n", stderr);
         Help(stderr);

@@ -12,6 +12,7 @@
 #include "input.h"
 #include "limits.h"
 #include "report.h"
+#include "system.h"
 
 namespace {
 
@@ -29,7 +30,9 @@ void WatchCopy(const std::string& path) {
     if (path.size() >= sizeof pendingCopy) return;
     memcpy(pendingCopy, path.c_str(), path.size() + 1);
     pending.store(true);
-    for (int signal : {SIGINT, SIGTERM, SIGHUP, SIGPIPE}) ::signal(signal, RemovePendingCopy);
+    int count = 0;
+    const int* signals = EndingSignals(count);
+    for (int i = 0; i < count; ++i) ::signal(signals[i], RemovePendingCopy);
 }
 
 std::string Reason(const std::string& what) { return what + ": " + strerror(errno); }
@@ -42,9 +45,9 @@ std::string DirectoryOf(const std::string& path) {
 
 // Flushes the file or directory at path.
 bool Flush(const std::string& path, int flags, std::string& problem) {
-    const int fd = open(path.c_str(), flags | O_CLOEXEC);
+    const int fd = open(path.c_str(), flags | kOpenPlain);
     if (fd < 0) return problem = Reason("cannot open " + path), false;
-    const bool flushed = fsync(fd) == 0;
+    const bool flushed = FlushDescriptor(fd);
     if (!flushed) problem = Reason("cannot flush " + path);
     close(fd);
     return flushed;
@@ -70,7 +73,7 @@ CopyBeside::~CopyBeside() {
 }
 
 bool WriteBytes(const std::string& path, const std::string& bytes, std::string& problem) {
-    const int fd = open(path.c_str(), O_WRONLY | O_TRUNC | O_CLOEXEC);
+    const int fd = open(path.c_str(), O_WRONLY | O_TRUNC | kOpenPlain);
     if (fd < 0) return problem = Reason("cannot open " + path), false;
     for (size_t done = 0; done < bytes.size();) {
         const ssize_t wrote = write(fd, bytes.data() + done, bytes.size() - done);
@@ -82,7 +85,7 @@ bool WriteBytes(const std::string& path, const std::string& bytes, std::string& 
         }
         done += static_cast<size_t>(wrote);
     }
-    const bool flushed = fsync(fd) == 0;
+    const bool flushed = FlushDescriptor(fd);
     if (!flushed) problem = Reason("cannot flush " + path);
     return close(fd) == 0 && flushed;
 }
@@ -107,10 +110,10 @@ int WriteBeside(const std::string& target, const FileStep& write, const FileStep
         mode = 0666 & ~mask;
     }
     if (chmod(copy.path().c_str(), mode) != 0) return Fail(Reason("cannot set the permissions of " + copy.path()));
-    if (rename(copy.path().c_str(), target.c_str()) != 0) return Fail(Reason("cannot replace " + target));
+    if (!ReplaceFileWith(copy.path(), target)) return Fail(Reason("cannot replace " + target));
     copy.Keep();
     // The rename is done; a directory that can't be flushed doesn't undo it.
-    Flush(DirectoryOf(target), O_RDONLY | O_DIRECTORY, problem);
+    FlushDirectory(DirectoryOf(target));
     return kExitDone;
 }
 

@@ -4,8 +4,6 @@
 #include <zel/frame.h>
 #include <zel/paths.h>
 
-#include <dlfcn.h>
-
 #include <climits>
 #include <cstdio>
 #include <cstdlib>
@@ -15,6 +13,7 @@
 #include "code_table_files.h"
 #include "commands.h"
 #include "input.h"
+#include "system.h"
 #include "text.h"
 
 namespace {
@@ -22,16 +21,13 @@ namespace {
 // The character property and bidi tables are compiled in, generated from this version's data.
 constexpr char kPropertyVersion[] = "3.2.0";
 
-// The loaded library's version, from the name of its file: libZelBL70KT.so.X.Y.Z.
+// The loaded library's version, from the name of its file where it carries one
+// (libZelBL70KT.so.X.Y.Z), else this build's.
 std::string LibraryVersion() {
-    Dl_info info{};
-    if (!dladdr(reinterpret_cast<void*>(&ZelGetError), &info) || !info.dli_fname) return "unknown";
-    char resolved[PATH_MAX];
-    if (!realpath(info.dli_fname, resolved)) return "unknown";
-    const std::string name = resolved;
-    const std::string marker = ".so.";
-    const size_t at = name.rfind(marker);
-    return at == std::string::npos ? "unknown" : name.substr(at + marker.size()) + " (" + name + ")";
+    const std::string file = LibraryFileOf(reinterpret_cast<const void*>(&ZelGetError));
+    if (file.empty()) return "unknown";
+    const std::string version = VersionInLibraryName(file);
+    return (version.empty() ? std::string(ZEL_VERSION) : version) + " (" + file + ")";
 }
 
 // The "Unicode version : " line of a code table file's text header.

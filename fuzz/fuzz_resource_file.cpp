@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "fuzz_check.h"
-#include "platform/posix/modules/resource_file.h"
+#include "platform/common/modules/resource_file.h"
 #include "platform/win32.h"
 
 namespace {

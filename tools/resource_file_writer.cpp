@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "platform/posix/modules/resource_file_layout.h"
+#include "platform/common/modules/resource_file_layout.h"
 
 namespace zelres {
 namespace {

@@ -1,4 +1,4 @@
-// Writes resource files (layout in src/platform/posix/modules/resource_file_layout.h) and reads the text
+// Writes resource files (layout in src/platform/common/modules/resource_file_layout.h) and reads the text
 // sources they are compiled from. The resource compiler and the tests (which also break files on
 // purpose) share it.
 #ifndef ZEL_TOOLS_RESOURCE_FILE_WRITER_H

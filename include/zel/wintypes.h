@@ -10,12 +10,31 @@
 // system's header may spell as macros; the record follows whichever spelling that header chose.
 #include <sys/stat.h>
 
+// On Windows too the interface keeps these types, with WCHAR as char16_t: the system's own header
+// (WCHAR as wchar_t) is never included beside this one, and the library's platform layer passes
+// the system's calls the same bits under these names.
 #if defined(_WIN32)
-#error "On Windows include <windows.h>; this header stands in for it elsewhere."
+#include <io.h>
+#ifndef ZEL_API
+#ifdef ZEL_BUILDING_LIBRARY
+#define ZEL_API __declspec(dllexport)
+#else
+#define ZEL_API __declspec(dllimport)
+#endif
+#endif
+#elif !defined(ZEL_API)
+#define ZEL_API __attribute__((visibility("default")))
 #endif
 
-#ifndef ZEL_API
-#define ZEL_API __attribute__((visibility("default")))
+// A system call that the library makes, and that a program may make, under its Win32 name: on
+// Windows the declaration binds to the system's own function, which takes the same bits (WCHAR
+// here is char16_t, there wchar_t, both 16-bit units); elsewhere the library provides it.
+#if defined(_WIN32)
+#define ZEL_SYSTEM_CALL(name) __asm__(#name)
+#define ZEL_SYSTEM_API
+#else
+#define ZEL_SYSTEM_CALL(name)
+#define ZEL_SYSTEM_API ZEL_API
 #endif
 
 #define WINAPI
@@ -333,7 +352,9 @@ typedef struct tagWNDCLASSEXA {
     HICON hIconSm;
 } WNDCLASSEXA, *LPWNDCLASSEXA;
 
-// The run-time's records of a file's status and of a search, with the Win32 run-time's fields.
+// The run-time's records of a file's status and of a search, with the Win32 run-time's fields
+// (on Windows, the run-time's own).
+#if !defined(_WIN32)
 struct _stat {
     DWORD st_dev;
     WORD st_ino;
@@ -366,6 +387,7 @@ struct _finddata_t {
     DWORD size;
     char name[MAX_PATH];
 };
+#endif
 
 // ---------------------------------------------------------------------------------------------
 // Component interfaces, in the Win32 slot order.

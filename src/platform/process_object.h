@@ -10,6 +10,21 @@
 #include <atomic>
 #include <mutex>
 #include <new>
+#include <thread>
+
+// A lock that is constant-initialised on every system (std::mutex is not where the threads
+// library's initialiser is a cast). It guards a build or a release, which happen once.
+class ZelProcessObjectLock {
+public:
+    constexpr ZelProcessObjectLock() = default;
+    void lock() {
+        while (held_.exchange(true, std::memory_order_acquire)) std::this_thread::yield();
+    }
+    void unlock() { held_.store(false, std::memory_order_release); }
+
+private:
+    std::atomic<bool> held_{false};
+};
 
 // Notes an object to destroy at unload; ZelProcessObject calls it when it builds its object.
 void ZelPlatformReleaseAtUnload(void (*release)(void*), void* holder);
@@ -33,7 +48,7 @@ public:
 
 private:
     void Build() {
-        std::lock_guard<std::mutex> guard(lock);
+        std::lock_guard<ZelProcessObjectLock> guard(lock);
         if (built.load(std::memory_order_relaxed)) return;
         ::new (static_cast<void*>(storage)) T();
         built.store(true, std::memory_order_release);
@@ -41,7 +56,7 @@ private:
     }
     static void Release(void* holder) {
         auto* self = static_cast<ZelProcessObject*>(holder);
-        std::lock_guard<std::mutex> guard(self->lock);
+        std::lock_guard<ZelProcessObjectLock> guard(self->lock);
         if (!self->built.load(std::memory_order_relaxed)) return;
         std::launder(reinterpret_cast<T*>(self->storage))->~T();
         self->built.store(false, std::memory_order_release);
@@ -49,7 +64,7 @@ private:
 
     alignas(T) unsigned char storage[sizeof(T)] = {};
     std::atomic<bool> built{false};
-    std::mutex lock;
+    ZelProcessObjectLock lock;
 };
 
 #endif  // ZEL_PLATFORM_PROCESS_OBJECT_H

@@ -11,6 +11,7 @@
 
 #include <cstdarg>
 #include <cstdio>
+#include <filesystem>
 #include <string>
 
 // ---------------------------------------------------------------------------------------------
@@ -18,7 +19,12 @@
 
 // The library's entry point, implemented by the frame; the platform calls it at load, at unload
 // and when a thread that used a thread slot ends.
+// On Windows the system's entry point of that name is the platform's (windows/process/dll_entry.cpp).
+#if defined(_WIN32)
+BOOL DllMain(HINSTANCE module, DWORD reason, LPVOID reserved) __asm__("ZelFrameDllMain");
+#else
 BOOL DllMain(HINSTANCE module, DWORD reason, LPVOID reserved);
+#endif
 
 // Run the entry point for process attach and detach. The shared library calls these from its
 // ELF constructor and destructor; a program that links the library's objects calls them itself.
@@ -28,10 +34,10 @@ void ZelPlatformProcessDetach();
 // The module handle of the library itself.
 HMODULE ZelPlatformOwnModule();
 
-DWORD TlsAlloc();
-BOOL TlsFree(DWORD index);
-LPVOID TlsGetValue(DWORD index);
-BOOL TlsSetValue(DWORD index, LPVOID value);
+DWORD TlsAlloc() ZEL_SYSTEM_CALL(TlsAlloc);
+BOOL TlsFree(DWORD index) ZEL_SYSTEM_CALL(TlsFree);
+LPVOID TlsGetValue(DWORD index) ZEL_SYSTEM_CALL(TlsGetValue);
+BOOL TlsSetValue(DWORD index, LPVOID value) ZEL_SYSTEM_CALL(TlsSetValue);
 
 LONG InterlockedIncrement(LONG volatile* value);
 LONG InterlockedDecrement(LONG volatile* value);
@@ -60,6 +66,12 @@ struct ZelDataModule {
     size_t size;
 };
 const ZelDataModule* ZelPlatformDataModule(HMODULE module);
+// The data modules themselves (common/modules/data_modules.cpp): a file's bytes under a new
+// handle, or null with the last error set; whether a handle is one of them; one release of one
+// (false: not a data module).
+HMODULE ZelPlatformLoadDataModule(const std::filesystem::path& file);
+bool ZelPlatformIsDataModule(HMODULE module);
+bool ZelPlatformFreeDataModule(HMODULE module);
 
 // ---------------------------------------------------------------------------------------------
 // Resources (posix/modules/resources.cpp): the resources of a data module, read from its bytes as a
@@ -80,48 +92,49 @@ int LoadStringA(HMODULE module, UINT id, LPSTR buffer, int size);
 // ---------------------------------------------------------------------------------------------
 // Messages (posix/shell/messages.cpp)
 
-void OutputDebugStringA(LPCSTR text);
-int MessageBoxA(HWND owner, LPCSTR text, LPCSTR caption, UINT style);
-int MessageBoxW(HWND owner, LPCWSTR text, LPCWSTR caption, UINT style);
+void OutputDebugStringA(LPCSTR text) ZEL_SYSTEM_CALL(OutputDebugStringA);
+int MessageBoxA(HWND owner, LPCSTR text, LPCSTR caption, UINT style) ZEL_SYSTEM_CALL(MessageBoxA);
+int MessageBoxW(HWND owner, LPCWSTR text, LPCWSTR caption, UINT style) ZEL_SYSTEM_CALL(MessageBoxW);
 
 // The system's message texts (posix/modules/format_message.cpp), in English whatever the language asked
 // for: language 0, a default language or any English one. A code may come as its HRESULT
 // 0x8007xxxx. With FORMAT_MESSAGE_ALLOCATE_BUFFER, buffer receives a block from LocalAlloc, which
 // LocalFree releases.
 DWORD FormatMessageA(DWORD flags, LPCVOID source, DWORD messageId, DWORD languageId, LPSTR buffer, DWORD size,
-                     va_list* arguments);
-HLOCAL LocalAlloc(UINT flags, SIZE_T size);
+                     va_list* arguments) ZEL_SYSTEM_CALL(FormatMessageA);
+HLOCAL LocalAlloc(UINT flags, SIZE_T size) ZEL_SYSTEM_CALL(LocalAlloc);
 
 // ---------------------------------------------------------------------------------------------
 // Locale (posix/nls/locale.cpp)
 
-LANGID GetUserDefaultLangID();
-LCID GetUserDefaultLCID();
-LANGID GetSystemDefaultLangID();
-LCID GetSystemDefaultLCID();
+LANGID GetUserDefaultLangID() ZEL_SYSTEM_CALL(GetUserDefaultLangID);
+LCID GetUserDefaultLCID() ZEL_SYSTEM_CALL(GetUserDefaultLCID);
+LANGID GetSystemDefaultLangID() ZEL_SYSTEM_CALL(GetSystemDefaultLangID);
+LCID GetSystemDefaultLCID() ZEL_SYSTEM_CALL(GetSystemDefaultLCID);
 
 // Locale information from a table of the system's locales (posix/nls/locale_info.cpp). The default
 // locale values stand for the user's and the system's language.
-int GetLocaleInfoW(LCID locale, LCTYPE type, LPWSTR buffer, int size);
-int GetLocaleInfoA(LCID locale, LCTYPE type, LPSTR buffer, int size);
+int GetLocaleInfoW(LCID locale, LCTYPE type, LPWSTR buffer, int size) ZEL_SYSTEM_CALL(GetLocaleInfoW);
+int GetLocaleInfoA(LCID locale, LCTYPE type, LPSTR buffer, int size) ZEL_SYSTEM_CALL(GetLocaleInfoA);
 
 // ---------------------------------------------------------------------------------------------
 // Version information (posix/files/version_info.cpp). The library's executables and libraries carry no
 // version resource, and these calls answer as Win32 does for such a file.
 
-DWORD GetFileVersionInfoSizeA(LPCSTR fileName, LPDWORD handle);
-BOOL GetFileVersionInfoA(LPCSTR fileName, DWORD handle, DWORD size, LPVOID data);
-BOOL VerQueryValueA(LPCVOID block, LPCSTR subBlock, LPVOID* value, PUINT length);
+DWORD GetFileVersionInfoSizeA(LPCSTR fileName, LPDWORD handle) ZEL_SYSTEM_CALL(GetFileVersionInfoSizeA);
+BOOL GetFileVersionInfoA(LPCSTR fileName, DWORD handle, DWORD size, LPVOID data) ZEL_SYSTEM_CALL(GetFileVersionInfoA);
+BOOL VerQueryValueA(LPCVOID block, LPCSTR subBlock, LPVOID* value, PUINT length) ZEL_SYSTEM_CALL(VerQueryValueA);
 
 // ---------------------------------------------------------------------------------------------
 // Code pages (posix/nls/codepages.cpp)
 
-UINT GetACP();
-UINT GetOEMCP();
+UINT GetACP() ZEL_SYSTEM_CALL(GetACP);
+UINT GetOEMCP() ZEL_SYSTEM_CALL(GetOEMCP);
 int MultiByteToWideChar(UINT codePage, DWORD flags, LPCSTR multiByte, int multiByteCount, LPWSTR wide,
-                        int wideCount);
+                        int wideCount) ZEL_SYSTEM_CALL(MultiByteToWideChar);
 int WideCharToMultiByte(UINT codePage, DWORD flags, LPCWSTR wide, int wideCount, LPSTR multiByte,
-                        int multiByteCount, LPCSTR defaultChar, LPBOOL usedDefaultChar);
+                        int multiByteCount, LPCSTR defaultChar, LPBOOL usedDefaultChar)
+    ZEL_SYSTEM_CALL(WideCharToMultiByte);
 
 // Whole-string helpers for the A thunks: null stays null (the bool says which).
 struct ZelAnsiArg {
@@ -140,28 +153,32 @@ std::u16string ZelPlatformUtf8ToWide(const std::string& text);
 
 // RegQueryValueExA/W, RegEnumKeyA/W, RegEnumValueA/W, RegQueryInfoKeyA/W and RegCloseKey:
 // zel/platform.h.
-LONG RegOpenKeyA(HKEY key, LPCSTR subKey, PHKEY result);
-LONG RegOpenKeyW(HKEY key, LPCWSTR subKey, PHKEY result);
-LONG RegOpenKeyExA(HKEY key, LPCSTR subKey, DWORD options, REGSAM access, PHKEY result);
-LONG RegOpenKeyExW(HKEY key, LPCWSTR subKey, DWORD options, REGSAM access, PHKEY result);
-LONG RegCreateKeyA(HKEY key, LPCSTR subKey, PHKEY result);
-LONG RegCreateKeyW(HKEY key, LPCWSTR subKey, PHKEY result);
+LONG RegOpenKeyA(HKEY key, LPCSTR subKey, PHKEY result) ZEL_SYSTEM_CALL(RegOpenKeyA);
+LONG RegOpenKeyW(HKEY key, LPCWSTR subKey, PHKEY result) ZEL_SYSTEM_CALL(RegOpenKeyW);
+LONG RegOpenKeyExA(HKEY key, LPCSTR subKey, DWORD options, REGSAM access, PHKEY result) ZEL_SYSTEM_CALL(RegOpenKeyExA);
+LONG RegOpenKeyExW(HKEY key, LPCWSTR subKey, DWORD options, REGSAM access, PHKEY result) ZEL_SYSTEM_CALL(RegOpenKeyExW);
+LONG RegCreateKeyA(HKEY key, LPCSTR subKey, PHKEY result) ZEL_SYSTEM_CALL(RegCreateKeyA);
+LONG RegCreateKeyW(HKEY key, LPCWSTR subKey, PHKEY result) ZEL_SYSTEM_CALL(RegCreateKeyW);
 LONG RegCreateKeyExA(HKEY key, LPCSTR subKey, DWORD reserved, LPSTR keyClass, DWORD options, REGSAM access,
-                     const SECURITY_ATTRIBUTES* security, PHKEY result, LPDWORD disposition);
+                     const SECURITY_ATTRIBUTES* security, PHKEY result, LPDWORD disposition)
+    ZEL_SYSTEM_CALL(RegCreateKeyExA);
 LONG RegCreateKeyExW(HKEY key, LPCWSTR subKey, DWORD reserved, LPWSTR keyClass, DWORD options, REGSAM access,
-                     const SECURITY_ATTRIBUTES* security, PHKEY result, LPDWORD disposition);
-LONG RegQueryValueA(HKEY key, LPCSTR subKey, LPSTR data, PLONG dataSize);
-LONG RegQueryValueW(HKEY key, LPCWSTR subKey, LPWSTR data, PLONG dataSize);
-LONG RegSetValueA(HKEY key, LPCSTR subKey, DWORD type, LPCSTR data, DWORD dataSize);
-LONG RegSetValueW(HKEY key, LPCWSTR subKey, DWORD type, LPCWSTR data, DWORD dataSize);
-LONG RegSetValueExA(HKEY key, LPCSTR valueName, DWORD reserved, DWORD type, const BYTE* data, DWORD dataSize);
-LONG RegSetValueExW(HKEY key, LPCWSTR valueName, DWORD reserved, DWORD type, const BYTE* data, DWORD dataSize);
-LONG RegDeleteKeyA(HKEY key, LPCSTR subKey);
-LONG RegDeleteKeyW(HKEY key, LPCWSTR subKey);
-LONG RegDeleteValueA(HKEY key, LPCSTR valueName);
-LONG RegDeleteValueW(HKEY key, LPCWSTR valueName);
-LONG RegSaveKeyA(HKEY key, LPCSTR fileName, const SECURITY_ATTRIBUTES* security);
-LONG RegSaveKeyW(HKEY key, LPCWSTR fileName, const SECURITY_ATTRIBUTES* security);
+                     const SECURITY_ATTRIBUTES* security, PHKEY result, LPDWORD disposition)
+    ZEL_SYSTEM_CALL(RegCreateKeyExW);
+LONG RegQueryValueA(HKEY key, LPCSTR subKey, LPSTR data, PLONG dataSize) ZEL_SYSTEM_CALL(RegQueryValueA);
+LONG RegQueryValueW(HKEY key, LPCWSTR subKey, LPWSTR data, PLONG dataSize) ZEL_SYSTEM_CALL(RegQueryValueW);
+LONG RegSetValueA(HKEY key, LPCSTR subKey, DWORD type, LPCSTR data, DWORD dataSize) ZEL_SYSTEM_CALL(RegSetValueA);
+LONG RegSetValueW(HKEY key, LPCWSTR subKey, DWORD type, LPCWSTR data, DWORD dataSize) ZEL_SYSTEM_CALL(RegSetValueW);
+LONG RegSetValueExA(HKEY key, LPCSTR valueName, DWORD reserved, DWORD type, const BYTE* data, DWORD dataSize)
+    ZEL_SYSTEM_CALL(RegSetValueExA);
+LONG RegSetValueExW(HKEY key, LPCWSTR valueName, DWORD reserved, DWORD type, const BYTE* data, DWORD dataSize)
+    ZEL_SYSTEM_CALL(RegSetValueExW);
+LONG RegDeleteKeyA(HKEY key, LPCSTR subKey) ZEL_SYSTEM_CALL(RegDeleteKeyA);
+LONG RegDeleteKeyW(HKEY key, LPCWSTR subKey) ZEL_SYSTEM_CALL(RegDeleteKeyW);
+LONG RegDeleteValueA(HKEY key, LPCSTR valueName) ZEL_SYSTEM_CALL(RegDeleteValueA);
+LONG RegDeleteValueW(HKEY key, LPCWSTR valueName) ZEL_SYSTEM_CALL(RegDeleteValueW);
+LONG RegSaveKeyA(HKEY key, LPCSTR fileName, const SECURITY_ATTRIBUTES* security) ZEL_SYSTEM_CALL(RegSaveKeyA);
+LONG RegSaveKeyW(HKEY key, LPCWSTR fileName, const SECURITY_ATTRIBUTES* security) ZEL_SYSTEM_CALL(RegSaveKeyW);
 
 // ---------------------------------------------------------------------------------------------
 // Paths (posix/files/paths.cpp): the one place where the library's Windows form of a path meets the
@@ -180,69 +197,75 @@ std::u16string ZelPlatformPathFromSystem(LPCWSTR path);
 
 // CreateFileA/W, ReadFile, WriteFile, GetFileSize, SetFilePointer, LockFile, UnlockFile and
 // CloseHandle: zel/platform.h.
-BOOL GetBinaryTypeA(LPCSTR applicationName, LPDWORD binaryType);
-BOOL GetBinaryTypeW(LPCWSTR applicationName, LPDWORD binaryType);
+BOOL GetBinaryTypeA(LPCSTR applicationName, LPDWORD binaryType) ZEL_SYSTEM_CALL(GetBinaryTypeA);
+BOOL GetBinaryTypeW(LPCWSTR applicationName, LPDWORD binaryType) ZEL_SYSTEM_CALL(GetBinaryTypeW);
 
-BOOL CreateDirectoryA(LPCSTR path, LPSECURITY_ATTRIBUTES security);
-BOOL CreateDirectoryW(LPCWSTR path, LPSECURITY_ATTRIBUTES security);
-BOOL CreateDirectoryExA(LPCSTR templateDirectory, LPCSTR path, LPSECURITY_ATTRIBUTES security);
-BOOL CreateDirectoryExW(LPCWSTR templateDirectory, LPCWSTR path, LPSECURITY_ATTRIBUTES security);
-BOOL RemoveDirectoryA(LPCSTR path);
-BOOL RemoveDirectoryW(LPCWSTR path);
-BOOL DeleteFileA(LPCSTR fileName);
-BOOL DeleteFileW(LPCWSTR fileName);
-BOOL MoveFileA(LPCSTR existingName, LPCSTR newName);
-BOOL MoveFileW(LPCWSTR existingName, LPCWSTR newName);
-BOOL CopyFileA(LPCSTR existingName, LPCSTR newName, BOOL failIfExists);
-BOOL CopyFileW(LPCWSTR existingName, LPCWSTR newName, BOOL failIfExists);
-DWORD GetFileAttributesA(LPCSTR fileName);
-DWORD GetFileAttributesW(LPCWSTR fileName);
-BOOL GetFileAttributesExA(LPCSTR fileName, GET_FILEEX_INFO_LEVELS level, LPVOID information);
-BOOL GetFileAttributesExW(LPCWSTR fileName, GET_FILEEX_INFO_LEVELS level, LPVOID information);
-BOOL SetFileAttributesA(LPCSTR fileName, DWORD attributes);
-BOOL SetFileAttributesW(LPCWSTR fileName, DWORD attributes);
-DWORD GetCurrentDirectoryA(DWORD size, LPSTR buffer);
-DWORD GetCurrentDirectoryW(DWORD size, LPWSTR buffer);
-BOOL SetCurrentDirectoryA(LPCSTR path);
-BOOL SetCurrentDirectoryW(LPCWSTR path);
+BOOL CreateDirectoryA(LPCSTR path, LPSECURITY_ATTRIBUTES security) ZEL_SYSTEM_CALL(CreateDirectoryA);
+BOOL CreateDirectoryW(LPCWSTR path, LPSECURITY_ATTRIBUTES security) ZEL_SYSTEM_CALL(CreateDirectoryW);
+BOOL CreateDirectoryExA(LPCSTR templateDirectory, LPCSTR path, LPSECURITY_ATTRIBUTES security)
+    ZEL_SYSTEM_CALL(CreateDirectoryExA);
+BOOL CreateDirectoryExW(LPCWSTR templateDirectory, LPCWSTR path, LPSECURITY_ATTRIBUTES security)
+    ZEL_SYSTEM_CALL(CreateDirectoryExW);
+BOOL RemoveDirectoryA(LPCSTR path) ZEL_SYSTEM_CALL(RemoveDirectoryA);
+BOOL RemoveDirectoryW(LPCWSTR path) ZEL_SYSTEM_CALL(RemoveDirectoryW);
+BOOL DeleteFileA(LPCSTR fileName) ZEL_SYSTEM_CALL(DeleteFileA);
+BOOL DeleteFileW(LPCWSTR fileName) ZEL_SYSTEM_CALL(DeleteFileW);
+BOOL MoveFileA(LPCSTR existingName, LPCSTR newName) ZEL_SYSTEM_CALL(MoveFileA);
+BOOL MoveFileW(LPCWSTR existingName, LPCWSTR newName) ZEL_SYSTEM_CALL(MoveFileW);
+BOOL CopyFileA(LPCSTR existingName, LPCSTR newName, BOOL failIfExists) ZEL_SYSTEM_CALL(CopyFileA);
+BOOL CopyFileW(LPCWSTR existingName, LPCWSTR newName, BOOL failIfExists) ZEL_SYSTEM_CALL(CopyFileW);
+DWORD GetFileAttributesA(LPCSTR fileName) ZEL_SYSTEM_CALL(GetFileAttributesA);
+DWORD GetFileAttributesW(LPCWSTR fileName) ZEL_SYSTEM_CALL(GetFileAttributesW);
+BOOL GetFileAttributesExA(LPCSTR fileName, GET_FILEEX_INFO_LEVELS level, LPVOID information)
+    ZEL_SYSTEM_CALL(GetFileAttributesExA);
+BOOL GetFileAttributesExW(LPCWSTR fileName, GET_FILEEX_INFO_LEVELS level, LPVOID information)
+    ZEL_SYSTEM_CALL(GetFileAttributesExW);
+BOOL SetFileAttributesA(LPCSTR fileName, DWORD attributes) ZEL_SYSTEM_CALL(SetFileAttributesA);
+BOOL SetFileAttributesW(LPCWSTR fileName, DWORD attributes) ZEL_SYSTEM_CALL(SetFileAttributesW);
+DWORD GetCurrentDirectoryA(DWORD size, LPSTR buffer) ZEL_SYSTEM_CALL(GetCurrentDirectoryA);
+DWORD GetCurrentDirectoryW(DWORD size, LPWSTR buffer) ZEL_SYSTEM_CALL(GetCurrentDirectoryW);
+BOOL SetCurrentDirectoryA(LPCSTR path) ZEL_SYSTEM_CALL(SetCurrentDirectoryA);
+BOOL SetCurrentDirectoryW(LPCWSTR path) ZEL_SYSTEM_CALL(SetCurrentDirectoryW);
 
 // Masks with * and ?, matched without regard to the case of a to z; "." and ".." are found too.
 // FindNextFileA/W and FindClose: zel/platform.h.
-HANDLE FindFirstFileA(LPCSTR fileName, LPWIN32_FIND_DATAA findData);
-HANDLE FindFirstFileW(LPCWSTR fileName, LPWIN32_FIND_DATAW findData);
+HANDLE FindFirstFileA(LPCSTR fileName, LPWIN32_FIND_DATAA findData) ZEL_SYSTEM_CALL(FindFirstFileA);
+HANDLE FindFirstFileW(LPCWSTR fileName, LPWIN32_FIND_DATAW findData) ZEL_SYSTEM_CALL(FindFirstFileW);
 // True when name matches mask by the rules of the searches above.
 bool ZelPlatformMaskMatches(const std::u16string& mask, const std::u16string& name);
 
-UINT GetTempFileNameA(LPCSTR pathName, LPCSTR prefix, UINT unique, LPSTR tempFileName);
-UINT GetTempFileNameW(LPCWSTR pathName, LPCWSTR prefix, UINT unique, LPWSTR tempFileName);
-DWORD GetTempPathA(DWORD size, LPSTR buffer);
-DWORD GetTempPathW(DWORD size, LPWSTR buffer);
-DWORD GetShortPathNameA(LPCSTR longPath, LPSTR shortPath, DWORD size);
-DWORD GetShortPathNameW(LPCWSTR longPath, LPWSTR shortPath, DWORD size);
-DWORD GetLongPathNameA(LPCSTR shortPath, LPSTR longPath, DWORD size);
-DWORD GetLongPathNameW(LPCWSTR shortPath, LPWSTR longPath, DWORD size);
-UINT GetDriveTypeA(LPCSTR rootPath);
-UINT GetDriveTypeW(LPCWSTR rootPath);
+UINT GetTempFileNameA(LPCSTR pathName, LPCSTR prefix, UINT unique, LPSTR tempFileName)
+    ZEL_SYSTEM_CALL(GetTempFileNameA);
+UINT GetTempFileNameW(LPCWSTR pathName, LPCWSTR prefix, UINT unique, LPWSTR tempFileName)
+    ZEL_SYSTEM_CALL(GetTempFileNameW);
+DWORD GetTempPathA(DWORD size, LPSTR buffer) ZEL_SYSTEM_CALL(GetTempPathA);
+DWORD GetTempPathW(DWORD size, LPWSTR buffer) ZEL_SYSTEM_CALL(GetTempPathW);
+DWORD GetShortPathNameA(LPCSTR longPath, LPSTR shortPath, DWORD size) ZEL_SYSTEM_CALL(GetShortPathNameA);
+DWORD GetShortPathNameW(LPCWSTR longPath, LPWSTR shortPath, DWORD size) ZEL_SYSTEM_CALL(GetShortPathNameW);
+DWORD GetLongPathNameA(LPCSTR shortPath, LPSTR longPath, DWORD size) ZEL_SYSTEM_CALL(GetLongPathNameA);
+DWORD GetLongPathNameW(LPCWSTR shortPath, LPWSTR longPath, DWORD size) ZEL_SYSTEM_CALL(GetLongPathNameW);
+UINT GetDriveTypeA(LPCSTR rootPath) ZEL_SYSTEM_CALL(GetDriveTypeA);
+UINT GetDriveTypeW(LPCWSTR rootPath) ZEL_SYSTEM_CALL(GetDriveTypeW);
 BOOL GetDiskFreeSpaceA(LPCSTR rootPath, LPDWORD sectorsPerCluster, LPDWORD bytesPerSector, LPDWORD freeClusters,
-                       LPDWORD totalClusters);
+                       LPDWORD totalClusters) ZEL_SYSTEM_CALL(GetDiskFreeSpaceA);
 BOOL GetDiskFreeSpaceW(LPCWSTR rootPath, LPDWORD sectorsPerCluster, LPDWORD bytesPerSector, LPDWORD freeClusters,
-                       LPDWORD totalClusters);
+                       LPDWORD totalClusters) ZEL_SYSTEM_CALL(GetDiskFreeSpaceW);
 BOOL GetDiskFreeSpaceExA(LPCSTR directory, ULARGE_INTEGER* freeToCaller, ULARGE_INTEGER* total,
-                         ULARGE_INTEGER* totalFree);
+                         ULARGE_INTEGER* totalFree) ZEL_SYSTEM_CALL(GetDiskFreeSpaceExA);
 BOOL GetDiskFreeSpaceExW(LPCWSTR directory, ULARGE_INTEGER* freeToCaller, ULARGE_INTEGER* total,
-                         ULARGE_INTEGER* totalFree);
+                         ULARGE_INTEGER* totalFree) ZEL_SYSTEM_CALL(GetDiskFreeSpaceExW);
 BOOL GetVolumeInformationA(LPCSTR rootPath, LPSTR volumeName, DWORD volumeNameSize, LPDWORD serialNumber,
                            LPDWORD maxComponentLength, LPDWORD fileSystemFlags, LPSTR fileSystemName,
-                           DWORD fileSystemNameSize);
+                           DWORD fileSystemNameSize) ZEL_SYSTEM_CALL(GetVolumeInformationA);
 BOOL GetVolumeInformationW(LPCWSTR rootPath, LPWSTR volumeName, DWORD volumeNameSize, LPDWORD serialNumber,
                            LPDWORD maxComponentLength, LPDWORD fileSystemFlags, LPWSTR fileSystemName,
-                           DWORD fileSystemNameSize);
-BOOL GetUserNameA(LPSTR buffer, LPDWORD size);
-BOOL GetUserNameW(LPWSTR buffer, LPDWORD size);
-UINT GetWindowsDirectoryA(LPSTR buffer, UINT size);
-UINT GetWindowsDirectoryW(LPWSTR buffer, UINT size);
-UINT GetSystemDirectoryA(LPSTR buffer, UINT size);
-UINT GetSystemDirectoryW(LPWSTR buffer, UINT size);
+                           DWORD fileSystemNameSize) ZEL_SYSTEM_CALL(GetVolumeInformationW);
+BOOL GetUserNameA(LPSTR buffer, LPDWORD size) ZEL_SYSTEM_CALL(GetUserNameA);
+BOOL GetUserNameW(LPWSTR buffer, LPDWORD size) ZEL_SYSTEM_CALL(GetUserNameW);
+UINT GetWindowsDirectoryA(LPSTR buffer, UINT size) ZEL_SYSTEM_CALL(GetWindowsDirectoryA);
+UINT GetWindowsDirectoryW(LPWSTR buffer, UINT size) ZEL_SYSTEM_CALL(GetWindowsDirectoryW);
+UINT GetSystemDirectoryA(LPSTR buffer, UINT size) ZEL_SYSTEM_CALL(GetSystemDirectoryA);
+UINT GetSystemDirectoryW(LPWSTR buffer, UINT size) ZEL_SYSTEM_CALL(GetSystemDirectoryW);
 
 // ---------------------------------------------------------------------------------------------
 // Profile files (posix/profile/): plain 8-bit INI files in the ANSI code page. A file name
@@ -254,26 +277,35 @@ UINT GetSystemDirectoryW(LPWSTR buffer, UINT size);
 // blanks. Writes keep comments and blank lines and replace the file through a temporary one; a
 // null value deletes the key and a null key the section. The A calls count bytes.
 
-UINT GetProfileIntA(LPCSTR section, LPCSTR key, INT defaultValue);
-UINT GetProfileIntW(LPCWSTR section, LPCWSTR key, INT defaultValue);
-DWORD GetProfileStringA(LPCSTR section, LPCSTR key, LPCSTR defaultValue, LPSTR buffer, DWORD size);
-DWORD GetProfileStringW(LPCWSTR section, LPCWSTR key, LPCWSTR defaultValue, LPWSTR buffer, DWORD size);
-BOOL WriteProfileStringA(LPCSTR section, LPCSTR key, LPCSTR value);
-BOOL WriteProfileStringW(LPCWSTR section, LPCWSTR key, LPCWSTR value);
-UINT GetPrivateProfileIntA(LPCSTR section, LPCSTR key, INT defaultValue, LPCSTR fileName);
-UINT GetPrivateProfileIntW(LPCWSTR section, LPCWSTR key, INT defaultValue, LPCWSTR fileName);
+UINT GetProfileIntA(LPCSTR section, LPCSTR key, INT defaultValue) ZEL_SYSTEM_CALL(GetProfileIntA);
+UINT GetProfileIntW(LPCWSTR section, LPCWSTR key, INT defaultValue) ZEL_SYSTEM_CALL(GetProfileIntW);
+DWORD GetProfileStringA(LPCSTR section, LPCSTR key, LPCSTR defaultValue, LPSTR buffer, DWORD size)
+    ZEL_SYSTEM_CALL(GetProfileStringA);
+DWORD GetProfileStringW(LPCWSTR section, LPCWSTR key, LPCWSTR defaultValue, LPWSTR buffer, DWORD size)
+    ZEL_SYSTEM_CALL(GetProfileStringW);
+BOOL WriteProfileStringA(LPCSTR section, LPCSTR key, LPCSTR value) ZEL_SYSTEM_CALL(WriteProfileStringA);
+BOOL WriteProfileStringW(LPCWSTR section, LPCWSTR key, LPCWSTR value) ZEL_SYSTEM_CALL(WriteProfileStringW);
+UINT GetPrivateProfileIntA(LPCSTR section, LPCSTR key, INT defaultValue, LPCSTR fileName)
+    ZEL_SYSTEM_CALL(GetPrivateProfileIntA);
+UINT GetPrivateProfileIntW(LPCWSTR section, LPCWSTR key, INT defaultValue, LPCWSTR fileName)
+    ZEL_SYSTEM_CALL(GetPrivateProfileIntW);
 DWORD GetPrivateProfileStringA(LPCSTR section, LPCSTR key, LPCSTR defaultValue, LPSTR buffer, DWORD size,
-                               LPCSTR fileName);
+                               LPCSTR fileName) ZEL_SYSTEM_CALL(GetPrivateProfileStringA);
 DWORD GetPrivateProfileStringW(LPCWSTR section, LPCWSTR key, LPCWSTR defaultValue, LPWSTR buffer, DWORD size,
-                               LPCWSTR fileName);
-BOOL WritePrivateProfileStringA(LPCSTR section, LPCSTR key, LPCSTR value, LPCSTR fileName);
-BOOL WritePrivateProfileStringW(LPCWSTR section, LPCWSTR key, LPCWSTR value, LPCWSTR fileName);
+                               LPCWSTR fileName) ZEL_SYSTEM_CALL(GetPrivateProfileStringW);
+BOOL WritePrivateProfileStringA(LPCSTR section, LPCSTR key, LPCSTR value, LPCSTR fileName)
+    ZEL_SYSTEM_CALL(WritePrivateProfileStringA);
+BOOL WritePrivateProfileStringW(LPCWSTR section, LPCWSTR key, LPCWSTR value, LPCWSTR fileName)
+    ZEL_SYSTEM_CALL(WritePrivateProfileStringW);
 
 // ---------------------------------------------------------------------------------------------
 // The run-time's file calls (posix/runtime/runtime_files.cpp), with the Win32 run-time's flag values and
 // records. In a namespace of their own, since fopen, freopen, remove and rename are also the C
 // library's names.
 
+#if defined(_WIN32)
+#include "platform/windows/runtime/runtime_calls.h"
+#else
 namespace crt {
 
 int _access(const char* path, int mode);
@@ -327,74 +359,87 @@ int ArgumentCount();
 const char* Argument(int index);  // 8-bit, in the ANSI code page; null out of range
 
 }  // namespace crt
+#endif
 
 // ---------------------------------------------------------------------------------------------
 // Shell (posix/shell/). Windows, classes and drag and drop have no counterpart: those calls
 // give the Win32 failure result with ERROR_CALL_NOT_IMPLEMENTED.
 
-int SHFileOperationA(LPSHFILEOPSTRUCTA operation);
-int SHFileOperationW(LPSHFILEOPSTRUCTW operation);
-BOOL SHGetSpecialFolderPathA(HWND owner, LPSTR path, int folder, BOOL create);
-BOOL SHGetSpecialFolderPathW(HWND owner, LPWSTR path, int folder, BOOL create);
-HRESULT SHGetKnownFolderPath(REFKNOWNFOLDERID folder, DWORD flags, HANDLE token, PWSTR* path);
-HRESULT SHGetKnownFolderIDList(REFKNOWNFOLDERID folder, DWORD flags, HANDLE token, PIDLIST_ABSOLUTE* list);
-void SHGetSettings(LPSHELLFLAGSTATE state, DWORD mask);
+int SHFileOperationA(LPSHFILEOPSTRUCTA operation) ZEL_SYSTEM_CALL(SHFileOperationA);
+int SHFileOperationW(LPSHFILEOPSTRUCTW operation) ZEL_SYSTEM_CALL(SHFileOperationW);
+BOOL SHGetSpecialFolderPathA(HWND owner, LPSTR path, int folder, BOOL create) ZEL_SYSTEM_CALL(SHGetSpecialFolderPathA);
+BOOL SHGetSpecialFolderPathW(HWND owner, LPWSTR path, int folder, BOOL create) ZEL_SYSTEM_CALL(SHGetSpecialFolderPathW);
+HRESULT SHGetKnownFolderPath(REFKNOWNFOLDERID folder, DWORD flags, HANDLE token, PWSTR* path)
+    ZEL_SYSTEM_CALL(SHGetKnownFolderPath);
+HRESULT SHGetKnownFolderIDList(REFKNOWNFOLDERID folder, DWORD flags, HANDLE token, PIDLIST_ABSOLUTE* list)
+    ZEL_SYSTEM_CALL(SHGetKnownFolderIDList);
+void SHGetSettings(LPSHELLFLAGSTATE state, DWORD mask) ZEL_SYSTEM_CALL(SHGetSettings);
 HINSTANCE ShellExecuteA(HWND owner, LPCSTR operation, LPCSTR file, LPCSTR parameters, LPCSTR directory,
-                        int show);
+                        int show) ZEL_SYSTEM_CALL(ShellExecuteA);
 HINSTANCE ShellExecuteW(HWND owner, LPCWSTR operation, LPCWSTR file, LPCWSTR parameters, LPCWSTR directory,
-                        int show);
-BOOL SHGetPathFromIDListA(LPCITEMIDLIST list, LPSTR path);
-BOOL SHGetPathFromIDListW(LPCITEMIDLIST list, LPWSTR path);
-HRESULT SHGetDataFromIDListA(IShellFolder* folder, LPCITEMIDLIST list, int format, void* data, int size);
-HRESULT SHGetDataFromIDListW(IShellFolder* folder, LPCITEMIDLIST list, int format, void* data, int size);
-DWORD_PTR SHGetFileInfoA(LPCSTR path, DWORD attributes, SHFILEINFOA* info, UINT size, UINT flags);
-DWORD_PTR SHGetFileInfoW(LPCWSTR path, DWORD attributes, SHFILEINFOW* info, UINT size, UINT flags);
+                        int show) ZEL_SYSTEM_CALL(ShellExecuteW);
+BOOL SHGetPathFromIDListA(LPCITEMIDLIST list, LPSTR path) ZEL_SYSTEM_CALL(SHGetPathFromIDListA);
+BOOL SHGetPathFromIDListW(LPCITEMIDLIST list, LPWSTR path) ZEL_SYSTEM_CALL(SHGetPathFromIDListW);
+HRESULT SHGetDataFromIDListA(IShellFolder* folder, LPCITEMIDLIST list, int format, void* data, int size)
+    ZEL_SYSTEM_CALL(SHGetDataFromIDListA);
+HRESULT SHGetDataFromIDListW(IShellFolder* folder, LPCITEMIDLIST list, int format, void* data, int size)
+    ZEL_SYSTEM_CALL(SHGetDataFromIDListW);
+DWORD_PTR SHGetFileInfoA(LPCSTR path, DWORD attributes, SHFILEINFOA* info, UINT size, UINT flags)
+    ZEL_SYSTEM_CALL(SHGetFileInfoA);
+DWORD_PTR SHGetFileInfoW(LPCWSTR path, DWORD attributes, SHFILEINFOW* info, UINT size, UINT flags)
+    ZEL_SYSTEM_CALL(SHGetFileInfoW);
 // SHGetDesktopFolder, SHGetMalloc and CoTaskMemFree: zel/platform.h.
-void* CoTaskMemAlloc(SIZE_T size);
-HGLOBAL GlobalFree(HGLOBAL memory);
-HLOCAL LocalFree(HLOCAL memory);
+void* CoTaskMemAlloc(SIZE_T size) ZEL_SYSTEM_CALL(CoTaskMemAlloc);
+HGLOBAL GlobalFree(HGLOBAL memory) ZEL_SYSTEM_CALL(GlobalFree);
+HLOCAL LocalFree(HLOCAL memory) ZEL_SYSTEM_CALL(LocalFree);
 
-HWND FindWindowA(LPCSTR className, LPCSTR windowName);
-HWND FindWindowW(LPCWSTR className, LPCWSTR windowName);
-int GetClassNameA(HWND window, LPSTR className, int size);
-int GetClassNameW(HWND window, LPWSTR className, int size);
-BOOL GetClassInfoA(HINSTANCE instance, LPCSTR className, LPWNDCLASSA windowClass);
-BOOL GetClassInfoExA(HINSTANCE instance, LPCSTR className, LPWNDCLASSEXA windowClass);
-UINT DragQueryFileA(HDROP drop, UINT index, LPSTR file, UINT size);
-UINT DragQueryFileW(HDROP drop, UINT index, LPWSTR file, UINT size);
+HWND FindWindowA(LPCSTR className, LPCSTR windowName) ZEL_SYSTEM_CALL(FindWindowA);
+HWND FindWindowW(LPCWSTR className, LPCWSTR windowName) ZEL_SYSTEM_CALL(FindWindowW);
+int GetClassNameA(HWND window, LPSTR className, int size) ZEL_SYSTEM_CALL(GetClassNameA);
+int GetClassNameW(HWND window, LPWSTR className, int size) ZEL_SYSTEM_CALL(GetClassNameW);
+BOOL GetClassInfoA(HINSTANCE instance, LPCSTR className, LPWNDCLASSA windowClass) ZEL_SYSTEM_CALL(GetClassInfoA);
+BOOL GetClassInfoExA(HINSTANCE instance, LPCSTR className, LPWNDCLASSEXA windowClass) ZEL_SYSTEM_CALL(GetClassInfoExA);
+UINT DragQueryFileA(HDROP drop, UINT index, LPSTR file, UINT size) ZEL_SYSTEM_CALL(DragQueryFileA);
+UINT DragQueryFileW(HDROP drop, UINT index, LPWSTR file, UINT size) ZEL_SYSTEM_CALL(DragQueryFileW);
 
 // ---------------------------------------------------------------------------------------------
 // Time, version, command line and dates (posix/process/time.cpp, posix/process/version.cpp,
 // posix/process/command_line.cpp, posix/nls/date_format.cpp)
 
-void GetSystemTime(LPSYSTEMTIME time);
-void GetLocalTime(LPSYSTEMTIME time);
-void GetSystemTimeAsFileTime(LPFILETIME time);
-BOOL SystemTimeToFileTime(const SYSTEMTIME* systemTime, LPFILETIME fileTime);
-BOOL FileTimeToSystemTime(const FILETIME* fileTime, LPSYSTEMTIME systemTime);
-BOOL FileTimeToLocalFileTime(const FILETIME* fileTime, LPFILETIME localFileTime);
-BOOL FileTimeToDosDateTime(const FILETIME* fileTime, LPWORD dosDate, LPWORD dosTime);
+void GetSystemTime(LPSYSTEMTIME time) ZEL_SYSTEM_CALL(GetSystemTime);
+void GetLocalTime(LPSYSTEMTIME time) ZEL_SYSTEM_CALL(GetLocalTime);
+void GetSystemTimeAsFileTime(LPFILETIME time) ZEL_SYSTEM_CALL(GetSystemTimeAsFileTime);
+BOOL SystemTimeToFileTime(const SYSTEMTIME* systemTime, LPFILETIME fileTime) ZEL_SYSTEM_CALL(SystemTimeToFileTime);
+BOOL FileTimeToSystemTime(const FILETIME* fileTime, LPSYSTEMTIME systemTime) ZEL_SYSTEM_CALL(FileTimeToSystemTime);
+BOOL FileTimeToLocalFileTime(const FILETIME* fileTime, LPFILETIME localFileTime)
+    ZEL_SYSTEM_CALL(FileTimeToLocalFileTime);
+BOOL FileTimeToDosDateTime(const FILETIME* fileTime, LPWORD dosDate, LPWORD dosTime)
+    ZEL_SYSTEM_CALL(FileTimeToDosDateTime);
 // Seconds since 1970 and the FILETIME of the same instant.
 FILETIME ZelPlatformFileTimeFromUnix(int64_t seconds, long nanoseconds);
 int64_t ZelPlatformUnixFromFileTime(const FILETIME& time);
 
 // ZEL_OS_VERSION (platform.major.minor) or an NT-family system of no known version.
-BOOL GetVersionExA(LPOSVERSIONINFOA info);
-HANDLE GetCurrentProcess();
-DWORD GetCurrentThreadId();
-BOOL IsWow64Process(HANDLE process, PBOOL wow64);
+BOOL GetVersionExA(LPOSVERSIONINFOA info) ZEL_SYSTEM_CALL(GetVersionExA);
+HANDLE GetCurrentProcess() ZEL_SYSTEM_CALL(GetCurrentProcess);
+DWORD GetCurrentThreadId() ZEL_SYSTEM_CALL(GetCurrentThreadId);
+BOOL IsWow64Process(HANDLE process, PBOOL wow64) ZEL_SYSTEM_CALL(IsWow64Process);
 
 // The process's arguments quoted into one line, and split again by the Win32 rules. The array
 // of CommandLineToArgvW is one block, released with GlobalFree or LocalFree.
-LPWSTR GetCommandLineW();
-LPSTR GetCommandLineA();
-LPWSTR* CommandLineToArgvW(LPCWSTR commandLine, int* count);
+LPWSTR GetCommandLineW() ZEL_SYSTEM_CALL(GetCommandLineW);
+LPSTR GetCommandLineA() ZEL_SYSTEM_CALL(GetCommandLineA);
+LPWSTR* CommandLineToArgvW(LPCWSTR commandLine, int* count) ZEL_SYSTEM_CALL(CommandLineToArgvW);
 
 // The user's language decides month and day names and the long forms; pictures as Win32's.
-int GetDateFormatW(LCID locale, DWORD flags, const SYSTEMTIME* date, LPCWSTR format, LPWSTR buffer, int size);
-int GetDateFormatA(LCID locale, DWORD flags, const SYSTEMTIME* date, LPCSTR format, LPSTR buffer, int size);
-int GetTimeFormatW(LCID locale, DWORD flags, const SYSTEMTIME* time, LPCWSTR format, LPWSTR buffer, int size);
-int GetTimeFormatA(LCID locale, DWORD flags, const SYSTEMTIME* time, LPCSTR format, LPSTR buffer, int size);
+int GetDateFormatW(LCID locale, DWORD flags, const SYSTEMTIME* date, LPCWSTR format, LPWSTR buffer, int size)
+    ZEL_SYSTEM_CALL(GetDateFormatW);
+int GetDateFormatA(LCID locale, DWORD flags, const SYSTEMTIME* date, LPCSTR format, LPSTR buffer, int size)
+    ZEL_SYSTEM_CALL(GetDateFormatA);
+int GetTimeFormatW(LCID locale, DWORD flags, const SYSTEMTIME* time, LPCWSTR format, LPWSTR buffer, int size)
+    ZEL_SYSTEM_CALL(GetTimeFormatW);
+int GetTimeFormatA(LCID locale, DWORD flags, const SYSTEMTIME* time, LPCSTR format, LPSTR buffer, int size)
+    ZEL_SYSTEM_CALL(GetTimeFormatA);
 
 // ---------------------------------------------------------------------------------------------
 // System modules (posix/modules/system_modules.cpp): LoadLibrary and GetModuleHandle know "kernel32.dll"
@@ -410,6 +455,6 @@ LPCWSTR ZelPlatformSystemModuleName(HMODULE module);          // "kernel32.dll" 
 // Component model (posix/shell/component_model.cpp). Objects live in their own process only, so there
 // are no remote connections to cut. InterlockedIncrement and InterlockedDecrement are above.
 
-HRESULT CoDisconnectObject(LPUNKNOWN unknown, DWORD reserved);
+HRESULT CoDisconnectObject(LPUNKNOWN unknown, DWORD reserved) ZEL_SYSTEM_CALL(CoDisconnectObject);
 
 #endif  // ZEL_PLATFORM_WIN32_H

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/posix/modules/resource_file.h"
+#include "platform/common/modules/resource_file.h"
 #include "platform/win32.h"
 #include "resource_file_writer.h"
 #include "support/support.h"

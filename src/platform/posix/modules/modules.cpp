@@ -1,7 +1,6 @@
 // Modules on the dynamic loader. A module handle is the loader's handle, which is the module's
 // link map; a file that is not an ELF object (a resource file) or that is asked for as a data file
-// loads as a data module, whose handle is its record's address with the low bit set, as Win32
-// marks data files.
+// loads as a data module (common/modules/data_modules.cpp), whose handle has the low bit set.
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <link.h>
@@ -10,49 +9,14 @@
 
 #include <cerrno>
 #include <cstring>
-#include <fstream>
-#include <iterator>
-#include <mutex>
 #include <string>
 #include <vector>
 
-#include "platform/process_object.h"
 #include "platform/win32.h"
 
 namespace {
 
-struct DataModule {
-    ZelDataModule view;
-    std::vector<BYTE> bytes;
-    std::string path;
-    unsigned references;
-};
-
-std::mutex dataLock;
-// The data modules still loaded; the library's entry loads its resource file at attach and frees
-// it at detach. Those a program never freed go with the library.
-struct DataModuleList {
-    std::vector<DataModule*> modules;
-    DataModuleList() = default;
-    DataModuleList(const DataModuleList&) = delete;
-    DataModuleList& operator=(const DataModuleList&) = delete;
-    ~DataModuleList() {
-        for (DataModule* module : modules) delete module;
-    }
-};
-constinit ZelProcessObject<DataModuleList> dataModules;
-std::vector<DataModule*>& DataModules() { return dataModules->modules; }
-
 bool IsDataHandle(HMODULE module) { return (reinterpret_cast<uintptr_t>(module) & 1) != 0; }
-
-DataModule* FindData(HMODULE module) {
-    auto* record = reinterpret_cast<DataModule*>(reinterpret_cast<uintptr_t>(module) & ~uintptr_t{1});
-    for (DataModule* m : DataModules())
-        if (m == record) return m;
-    return nullptr;
-}
-
-HMODULE DataHandle(DataModule* m) { return reinterpret_cast<HMODULE>(reinterpret_cast<uintptr_t>(m) | 1); }
 
 bool FileExists(const std::string& path) {
     struct stat st;
@@ -106,22 +70,6 @@ std::vector<std::string> Candidates(const std::string& name) {
     return result;
 }
 
-HMODULE LoadData(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    if (!in) {
-        SetLastError(ERROR_FILE_NOT_FOUND);
-        return nullptr;
-    }
-    auto* m = new DataModule{};
-    m->bytes.assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-    m->view = {m->bytes.data(), m->bytes.size()};
-    m->path = path;
-    m->references = 1;
-    std::lock_guard<std::mutex> guard(dataLock);
-    DataModules().push_back(m);
-    return DataHandle(m);
-}
-
 HMODULE Load(LPCWSTR fileName, DWORD flags) {
     if (!fileName || !*fileName) {
         SetLastError(ERROR_INVALID_PARAMETER);
@@ -134,7 +82,7 @@ HMODULE Load(LPCWSTR fileName, DWORD flags) {
     for (const std::string& candidate : Candidates(ZelPlatformPathToSystem(fileName))) {
         const bool exists = FileExists(candidate);
         found = found || exists;
-        if (exists && (asData || !IsElfFile(candidate))) return LoadData(candidate);
+        if (exists && (asData || !IsElfFile(candidate))) return ZelPlatformLoadDataModule(candidate);
         if (asData) continue;
         if (void* handle = dlopen(candidate.c_str(), RTLD_NOW | RTLD_LOCAL)) return reinterpret_cast<HMODULE>(handle);
     }
@@ -202,13 +150,6 @@ DWORD CopyModuleName(const std::basic_string<Char>& name, Char* out, DWORD size)
 
 }  // namespace
 
-const ZelDataModule* ZelPlatformDataModule(HMODULE module) {
-    if (!IsDataHandle(module)) return nullptr;
-    std::lock_guard<std::mutex> guard(dataLock);
-    DataModule* m = FindData(module);
-    return m ? &m->view : nullptr;
-}
-
 HMODULE LoadLibraryW(LPCWSTR fileName) { return Load(fileName, 0); }
 
 HMODULE LoadLibraryExW(LPCWSTR fileName, HANDLE reserved, DWORD flags) {
@@ -232,17 +173,9 @@ BOOL FreeLibrary(HMODULE module) {
     }
     if (ZelPlatformSystemModuleName(module)) return TRUE;
     if (IsDataHandle(module)) {
-        std::lock_guard<std::mutex> guard(dataLock);
-        DataModule* m = FindData(module);
-        if (!m) {
-            SetLastError(ERROR_INVALID_HANDLE);
-            return FALSE;
-        }
-        if (--m->references == 0) {
-            std::erase(DataModules(), m);
-            delete m;
-        }
-        return TRUE;
+        if (ZelPlatformFreeDataModule(module)) return TRUE;
+        SetLastError(ERROR_INVALID_HANDLE);
+        return FALSE;
     }
     if (!FindLinkMap(module) || dlclose(reinterpret_cast<void*>(module)) != 0) {
         SetLastError(ERROR_INVALID_HANDLE);

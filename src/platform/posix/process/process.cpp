@@ -1,5 +1,4 @@
-// Thread slots on POSIX thread keys, the entry point's process and thread notifications, and the
-// interlocked counters.
+// Thread slots on POSIX thread keys, and the entry point's process and thread notifications.
 #include <dlfcn.h>
 #include <link.h>
 #include <pthread.h>
@@ -124,7 +123,3 @@ BOOL TlsSetValue(DWORD index, LPVOID value) {
     if (value && exitKeyReady && !pthread_getspecific(exitKey)) pthread_setspecific(exitKey, &exitKey);
     return TRUE;
 }
-
-LONG InterlockedIncrement(LONG volatile* value) { return __atomic_add_fetch(value, 1, __ATOMIC_SEQ_CST); }
-
-LONG InterlockedDecrement(LONG volatile* value) { return __atomic_sub_fetch(value, 1, __ATOMIC_SEQ_CST); }

@@ -1,4 +1,4 @@
-#include "platform/posix/modules/resource_file.h"
+#include "platform/common/modules/resource_file.h"
 
 #include <cstring>
 

@@ -1,13 +1,13 @@
 // The reader of resource files (layout in resource_file_layout.h). It works on the bytes of a data
 // module and never reads outside them: every offset and size is checked against the file before
 // it is followed.
-#ifndef ZEL_PLATFORM_POSIX_RESOURCE_FILE_H
-#define ZEL_PLATFORM_POSIX_RESOURCE_FILE_H
+#ifndef ZEL_PLATFORM_COMMON_RESOURCE_FILE_H
+#define ZEL_PLATFORM_COMMON_RESOURCE_FILE_H
 
 #include <cstddef>
 #include <cstdint>
 
-#include "platform/posix/modules/resource_file_layout.h"
+#include "platform/common/modules/resource_file_layout.h"
 
 namespace zelres {
 
@@ -43,4 +43,4 @@ void StringInBlock(const uint8_t* block, unsigned index, const uint8_t** units, 
 
 }  // namespace zelres
 
-#endif  // ZEL_PLATFORM_POSIX_RESOURCE_FILE_H
+#endif  // ZEL_PLATFORM_COMMON_RESOURCE_FILE_H

@@ -21,8 +21,8 @@
 // 16 * (b - 1) to 16 * b - 1, each a 16-bit length followed by that many UTF-16 units; a missing
 // string has the length 0. A block always holds all 16 lengths; bytes behind the 16th string are
 // padding.
-#ifndef ZEL_PLATFORM_POSIX_RESOURCE_FILE_LAYOUT_H
-#define ZEL_PLATFORM_POSIX_RESOURCE_FILE_LAYOUT_H
+#ifndef ZEL_PLATFORM_COMMON_RESOURCE_FILE_LAYOUT_H
+#define ZEL_PLATFORM_COMMON_RESOURCE_FILE_LAYOUT_H
 
 #include <cstddef>
 #include <cstdint>
@@ -44,4 +44,4 @@ constexpr unsigned StringIndexInBlock(uint32_t stringId) { return stringId & 15;
 
 }  // namespace zelres
 
-#endif  // ZEL_PLATFORM_POSIX_RESOURCE_FILE_LAYOUT_H
+#endif  // ZEL_PLATFORM_COMMON_RESOURCE_FILE_LAYOUT_H

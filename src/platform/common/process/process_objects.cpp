@@ -13,12 +13,12 @@ struct Release {
 
 // More than the library has: an object past the end would only be left to the system.
 constexpr size_t kMostObjects = 64;
-std::mutex listLock;
+constinit ZelProcessObjectLock listLock;
 Release releases[kMostObjects];
 size_t releaseCount = 0;
 
 bool TakeLast(Release& last) {
-    std::lock_guard<std::mutex> guard(listLock);
+    std::lock_guard<ZelProcessObjectLock> guard(listLock);
     if (releaseCount == 0) return false;
     last = releases[--releaseCount];
     return true;
@@ -27,7 +27,7 @@ bool TakeLast(Release& last) {
 }  // namespace
 
 void ZelPlatformReleaseAtUnload(void (*release)(void*), void* holder) {
-    std::lock_guard<std::mutex> guard(listLock);
+    std::lock_guard<ZelProcessObjectLock> guard(listLock);
     if (releaseCount < kMostObjects) releases[releaseCount++] = {release, holder};
 }
 

@@ -5,7 +5,7 @@
 // module is loaded.
 #include <string>
 
-#include "platform/posix/modules/resource_file.h"
+#include "platform/common/modules/resource_file.h"
 #include "platform/win32.h"
 
 namespace {
