@@ -1,5 +1,5 @@
-# Windows, x86-64, with the mingw-w64 toolchain's POSIX-threads variant. Programs built for
-# Windows run under Wine (cmake/wine-run) when the build or the tests run them here.
+# Windows, x86-64, with the mingw-w64 toolchain's POSIX-threads variant. The project runs what it
+# builds under Wine (cmake/wine-run).
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR x86_64)
 set(CMAKE_C_COMPILER x86_64-w64-mingw32-gcc-posix)
@@ -10,6 +10,5 @@ set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
-set(CMAKE_CROSSCOMPILING_EMULATOR ${CMAKE_CURRENT_LIST_DIR}/wine-run)
 # The generators that run during the build are built for this machine, with its compiler.
 set(ZEL_HOST_CXX_COMPILER g++ CACHE STRING "The compiler of the generators that run during the build")

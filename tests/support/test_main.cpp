@@ -8,6 +8,7 @@
 
 #include "platform/win32.h"
 #include "support/support.h"
+#include "support/system.h"
 
 namespace zeltest {
 namespace {
@@ -18,9 +19,9 @@ const std::string& TestRoot() { return root->path(); }
 
 int main(int argc, char** argv) {
     zeltest::root = std::make_unique<zeltest::TempDir>();
-    setenv("ZEL_REGISTRY_DIR", (zeltest::root->path() + "/registry").c_str(), 1);
-    setenv("XDG_RUNTIME_DIR", (zeltest::root->path() + "/run").c_str(), 1);
-    setenv("XDG_CONFIG_HOME", (zeltest::root->path() + "/config").c_str(), 1);
+    zeltest::SetEnvironment("ZEL_REGISTRY_DIR", zeltest::root->path() + "/registry");
+    zeltest::SetEnvironment("XDG_RUNTIME_DIR", zeltest::root->path() + "/run");
+    zeltest::SetEnvironment("XDG_CONFIG_HOME", zeltest::root->path() + "/config");
     ::testing::InitGoogleTest(&argc, argv);
     ZelPlatformProcessAttach();
     int result = RUN_ALL_TESTS();
