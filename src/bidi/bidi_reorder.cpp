@@ -6,14 +6,8 @@
 #include <cstdint>
 #include <cstring>
 
+#include "bidi/bidi_simd.h"
 #include "bidi/unicode_lookup.h"
-
-#if defined(__SSE2__)
-#include <emmintrin.h>
-#define ZEL_BIDI_SSE2 1
-#else
-#define ZEL_BIDI_SSE2 0
-#endif
 
 namespace zelbidi {
 

@@ -5,7 +5,9 @@
 // tells everything that happens there.
 #include <cstdint>
 
+
 #include "bidi/bidi_internal.h"
+#include "bidi/bidi_simd.h"
 #include "bidi/bidi_tables.h"
 #include "bidi/unicode_lookup.h"
 
@@ -247,41 +249,75 @@ void BidiResolveNeutral(WORD baseLevel, WORD* classes, DWORD count) {
     WalkClasses(NeutralMachine(baseLevel, false), baseLevel, classes, count);
 }
 
+namespace {
+
+// The line class of a full stop, which the walk settles by the class in front of it.
+constexpr BYTE kFullStop = 0x20;
+
+// The properties of a line into scratch, and its line classes into the class array, which the walk
+// then resolves in place. Gives whether the line holds a BN, a separator or an explicit control.
+bool ReadLine(const WCHAR* text, DWORD count, BYTE* props, BYTE* classes) {
+    DWORD seen = 0;
+    for (DWORD i = 0; i < count; ++i) {
+        const WCHAR c = text[i];
+        const BYTE prop = PropertyByteOf(c);
+        props[i] = prop;
+        seen |= 1u << (prop & kClassBits);
+        classes[i] = c == u'.' ? kFullStop : kLineClassMap[prop & kClassBits];
+    }
+    return (seen & kWhitespaceFew) != 0;
+}
+
+// The first index from i below count whose class isn't cls.
+DWORD RunEnd(const BYTE* classes, DWORD i, DWORD count, BYTE cls) {
+#if ZEL_BIDI_SSE2
+    const __m128i all = _mm_set1_epi8(static_cast<char>(cls));
+    for (; count - i >= 16; i += 16) {
+        const __m128i sixteen = _mm_loadu_si128(reinterpret_cast<const __m128i*>(classes + i));
+        const auto other = ~static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(sixteen, all))) & 0xFFFFu;
+        if (other) return i + static_cast<DWORD>(__builtin_ctz(other));
+    }
+#endif
+    while (i < count && classes[i] == cls) ++i;
+    return i;
+}
+
+}  // namespace
+
 // The weak and the neutral machine walk the line together, the neutral one a position behind the
 // weak one, or as far behind as the weak one has a run open: a position goes on to the neutral
 // step once its weak class is settled. The two machines then work side by side.
 unsigned ResolveLine(const WCHAR* text, DWORD count, WORD baseLevel, LineScratch& scratch, WORD* levels) {
-    BYTE* const props = scratch.props;
-    LineClasses classes{scratch.classes};
+    BYTE* const lineClasses = scratch.classes;
+    scratch.separators = ReadLine(text, count, scratch.props, lineClasses);
+    LineClasses classes{lineClasses};
     LineLevels settled{levels, baseLevel, 0, 0};
     Machine weak = WeakMachine(baseLevel);
     Machine neutral = NeutralMachine(baseLevel, true);
     DWORD fed = 0;  // the positions before fed have gone through the neutral step
     Cell last = ZelBidiON;
-    DWORD separators = 0;
     // Where a position left both machines in the state they were in, with no run open, the next
-    // position of the same class does the same: a word of letters or a number after its first
+    // positions of the same class do the same: a word of letters or a number after its first
     // unit takes the class and level of the unit before it and needs neither machine.
     constexpr Cell kNoRepeat = 0xFF;
     Cell repeat = kNoRepeat;
     BYTE repeatClass = 0;
     WORD repeatLevel = 0;
     for (DWORD i = 0; i < count; ++i) {
-        // The property byte of each unit is read here, once, and kept.
-        const WCHAR c = text[i];
-        const BYTE prop = PropertyByteOf(c);
-        props[i] = prop;
-        Cell cls = kLineClassMap[prop & kClassBits];
+        Cell cls = lineClasses[i];
         if (cls == repeat) {
-            classes.classes[i] = repeatClass;
-            levels[i] = repeatLevel;
-            fed = i + 1;
+            const DWORD end = RunEnd(lineClasses, i + 1, count, static_cast<BYTE>(repeat));
+            for (DWORD k = i; k < end; ++k) {
+                lineClasses[k] = repeatClass;
+                levels[k] = repeatLevel;
+            }
+            fed = end;
+            i = end - 1;
             continue;
         }
-        separators |= (kWhitespaceFew >> (prop & kClassBits)) & 1;
         // A full stop right behind a number belongs to it, so a decimal point never separates,
         // and a run of full stops all follow the number.
-        if (c == u'.' && (last == ZelBidiEN || last == ZelBidiAN)) cls = last;
+        if (cls == kFullStop) cls = last == ZelBidiEN || last == ZelBidiAN ? last : Cell{ZelBidiCS};
         last = cls;
         const Cell weakRow = weak.row;
         const Cell weakClass = weak.Step(i, cls, classes);
@@ -301,7 +337,6 @@ unsigned ResolveLine(const WCHAR* text, DWORD count, WORD baseLevel, LineScratch
     weak.End(count, EndClass(baseLevel), classes);
     for (; fed < count; ++fed) neutral.Step(fed, classes.classes[fed], settled);
     neutral.End(count, EndClass(baseLevel), settled);
-    scratch.separators = separators != 0;
     return static_cast<unsigned>(settled.raised);
 }
 
