@@ -82,7 +82,8 @@ void MirrorRun(WCHAR* turn, const WCHAR* text, const BYTE* props, const WORD* le
     DWORD j = start;
 #if ZEL_BIDI_SSE2
     for (; end - j >= 16; j += 16) {
-        auto flags = static_cast<unsigned>(_mm_movemask_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i*>(props + j))));
+        const __m128i sixteen = _mm_loadu_si128(reinterpret_cast<const __m128i*>(props + j));
+        auto flags = static_cast<unsigned>(_mm_movemask_epi8(sixteen));
         for (; flags; flags &= flags - 1) {
             const DWORD k = j + static_cast<DWORD>(__builtin_ctz(flags));
             if (levels[k] == lowest) *(turn - k) = MirrorOf(text[k]);

@@ -5,7 +5,6 @@
 // tells everything that happens there.
 #include <cstdint>
 
-
 #include "bidi/bidi_internal.h"
 #include "bidi/bidi_simd.h"
 #include "bidi/bidi_tables.h"
