@@ -360,15 +360,14 @@ unsigned ResolveLine(const WCHAR* text, DWORD count, WORD baseLevel, LineScratch
     // this one and need neither machine: a word of letters or a number after its first unit.
     constexpr Cell kNoRepeat = 0xFF;
     Cell repeat = kNoRepeat;
-    BYTE repeatClass = 0;
-    WORD repeatLevel = 0;
+    Cell repeatFill = 0;  // the class they take in the low byte, the level above it
     for (DWORD i = 0; i < count; ++i) {
         const Cell cls = lineClasses[i];
         if (cls == repeat) {
             const DWORD end = RunEnd(lineClasses, i + 1, count, static_cast<BYTE>(repeat));
             for (DWORD k = i; k < end; ++k) {
-                lineClasses[k] = repeatClass;
-                levels[k] = repeatLevel;
+                lineClasses[k] = static_cast<BYTE>(repeatFill);
+                levels[k] = static_cast<WORD>(repeatFill >> 8);
             }
             fed = end;
             i = end - 1;
@@ -382,8 +381,7 @@ unsigned ResolveLine(const WCHAR* text, DWORD count, WORD baseLevel, LineScratch
             fed = i + 1;
             if ((weak.lastCell & neutral.lastCell & kStable) && neutral.run == 0) {
                 repeat = cls;
-                repeatClass = static_cast<BYTE>(weakClass);
-                repeatLevel = levels[i];
+                repeatFill = weakClass | Cell{levels[i]} << 8;
             }
         }
     }
