@@ -1,7 +1,7 @@
 // Sorting a million Hangul words by their sort index keys against sorting them by ICU's collation
 // keys for Korean, in the same run: making the keys alone, and making the keys and sorting by
 // them. Before any timing both orders of the words must agree. After the runs a table gives our
-// time divided by ICU's.
+// CPU time divided by ICU's, and the goal line of the keys.
 #include <unistd.h>
 #include <zel/codetables.h>
 #include <zel/paths.h>
@@ -161,6 +161,8 @@ int main(int argc, char** argv) {
     RatioReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
     reporter.PrintRatios({keysOnly, sorted}, {"ICU"}, 26);
+    PrintGoalLine("Hangul sort keys of 1M Korean words / ICU Korean collator keys",
+                  reporter.CpuRatio(keysOnly + "/ours", keysOnly + "/ICU"), 0.15);
     benchmark::Shutdown();
     ucol_close(collator);
     return 0;

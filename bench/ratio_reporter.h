@@ -1,6 +1,7 @@
 // The console reporter of the benchmarks, which also keeps each benchmark's best real and CPU time
 // (the median where only aggregates are reported), so that a program can print its ratios to the
-// peers. On a machine shared with builds the CPU time is the steadier of the two.
+// peers. On a machine shared with builds the CPU time is the steadier of the two. PrintGoalLine
+// writes a goal in the one form that bench/run-all gathers from every benchmark.
 #ifndef ZEL_BENCH_RATIO_REPORTER_H
 #define ZEL_BENCH_RATIO_REPORTER_H
 
@@ -29,23 +30,29 @@ public:
     // The same in CPU time.
     double Cpu(const std::string& name) const { return Find(cpu_, name); }
 
-    // One row a conversion: the time of "<conversion>/ours" over that of "<conversion>/<peer>".
+    // One row a conversion: the CPU time of "<conversion>/ours" over that of "<conversion>/<peer>".
     void PrintRatios(const std::vector<std::string>& conversions, const std::vector<const char*>& peers,
                      int labelWidth) const {
-        std::printf("\nOur time / peer's time (below 1: ours is faster)\n%-*s", labelWidth, "");
+        std::printf("\nOur CPU time / peer's CPU time (below 1: ours is faster)\n%-*s", labelWidth, "");
         for (const char* peer : peers) std::printf(" %10s", peer);
         std::printf("\n");
         for (const std::string& conversion : conversions) {
-            const double ours = Time(conversion + "/ours");
+            const double ours = Cpu(conversion + "/ours");
             if (ours == 0) continue;
             std::printf("%-*s", labelWidth, conversion.c_str());
             for (const char* peer : peers) {
-                const double theirs = Time(conversion + "/" + peer);
+                const double theirs = Cpu(conversion + "/" + peer);
                 if (theirs == 0) std::printf(" %10s", "-");
                 else std::printf(" %10.3f", ours / theirs);
             }
             std::printf("\n");
         }
+    }
+
+    // The CPU time of ours over that of peer, or 0 when either did not run.
+    double CpuRatio(const std::string& ours, const std::string& peer) const {
+        const double a = Cpu(ours), b = Cpu(peer);
+        return a == 0 || b == 0 ? 0 : a / b;
     }
 
 private:
@@ -62,5 +69,12 @@ private:
     Times times_;
     Times cpu_;
 };
+
+// One goal for bench/run-all, after a benchmark's own summary: "GOAL", the work, the ratio (three
+// decimals) and the goal it must stay at or below (two), separated by tabs. A ratio of 0 (a side
+// that did not run) prints nothing.
+inline void PrintGoalLine(const std::string& work, double ratio, double goal) {
+    if (ratio > 0) std::printf("GOAL\t%s\t%.3f\t%.2f\n", work.c_str(), ratio, goal);
+}
 
 #endif  // ZEL_BENCH_RATIO_REPORTER_H

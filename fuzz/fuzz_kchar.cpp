@@ -9,6 +9,7 @@
 #include <zel/codetables.h>
 #include <zel/paths.h>
 
+#include <algorithm>
 #include <climits>
 #include <cstdint>
 #include <cstdio>
@@ -20,6 +21,7 @@
 
 #include "code_table_writer.h"
 #include "codetables/code_tables.h"
+#include "codetables/sort_index.h"
 #include "platform/win32.h"
 
 #include "fuzz_check.h"
@@ -186,6 +188,16 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     fromKChar.Verify(ZelKCharToUnicode(flags, kchar.get(), length, fromKChar.data(), outSize,
                                        substitute ? wideSubstitute.data() : nullptr));
     CheckMultiCode();
+
+    // Sort keys: the table walk gives the plain walk's keys and count, and writes no further.
+    // No terminator is written, so the unit at the count is canary as well.
+    Output<DWORD> keys(outSize);
+    std::vector<DWORD> plainKeys(size_t(outSize) + 1, 0);
+    const int keyCount = ZelUnicodeToSortIndex(flags, wide.get(), length, keys.data(), outSize);
+    Check(keyCount >= 0 && keyCount <= std::max(outSize - 1, 0));
+    for (size_t i = size_t(keyCount); i < keys.units.size(); ++i) Check(keys.units[i] == 0x5A);
+    Check(keyCount == ZelUnicodeToSortIndexReference(flags, wide.get(), plainKeys.data(), outSize));
+    Check(std::equal(plainKeys.begin(), plainKeys.begin() + keyCount, keys.units.begin()));
 
     // The multi-code buffer with whatever the text brings.
     WCHAR* multi = GetMultiCode();

@@ -3,9 +3,11 @@
 // strong classes around them, or that of the level where those disagree; numbers count as R),
 // each in one pass of a state machine whose tables are packed so that one read per position
 // tells everything that happens there.
+#include <array>
 #include <cstdint>
 
 #include "bidi/bidi_internal.h"
+#include "bidi/bidi_simd.h"
 #include "bidi/bidi_tables.h"
 #include "bidi/unicode_lookup.h"
 
@@ -14,9 +16,10 @@ namespace zelbidi {
 namespace {
 
 // A packed cell, by state and class, one read telling everything that happens at a position: the
-// low 32 bits are the first cell of the next state's row, so that the walk takes the next row
-// with no more than a move; above them byte 4 is the class the position takes (its own where it
-// keeps it), byte 5 the class the deferred run is filled with, byte 6 what happens to the run.
+// low 16 bits are the first cell of the next state's row, so that the walk takes the next row
+// with no more than a move; bits 16 to 19 say what happens to the run; byte 4 is the class the
+// position takes (its own where it keeps it), byte 5 the class the deferred run is filled with.
+// The flags lie where a test needs no wide constant.
 // Classes from 32 up read column 31, which is that of ON, as are the columns of every class the
 // tables don't name. For the neutral step of a line the two classes are given as what the
 // implicit step adds to the base level for them.
@@ -24,13 +27,15 @@ using Cell = uint64_t;
 constexpr int kColumns = 32;
 constexpr int kTakeShift = 32;
 constexpr int kFillShift = 40;
-constexpr Cell kFills = Cell{1} << 48;         // the run is filled with byte 5
-constexpr Cell kJoins = Cell{1} << 49;         // the position joins the run
-constexpr Cell kJoinsOpenRun = Cell{1} << 50;  // the position (a BN) joins the run if one is open
-constexpr Cell kKeep = Cell{1} << 51;          // the position keeps its own class
+constexpr Cell kRowBits = 0xFFFF;
+constexpr Cell kFills = Cell{1} << 16;         // the run is filled with byte 5
+constexpr Cell kJoins = Cell{1} << 17;         // the position joins the run
+constexpr Cell kJoinsOpenRun = Cell{1} << 18;  // the position (a BN) joins the run if one is open
+constexpr Cell kKeep = Cell{1} << 19;          // the position keeps its own class
+constexpr Cell kStable = Cell{1} << 20;        // the same class next would change nothing
 
-inline Cell TakeOf(Cell cell) { return (cell >> kTakeShift) & 0xFF; }
-inline Cell FillOf(Cell cell) { return (cell >> kFillShift) & 0xFF; }
+constexpr Cell TakeOf(Cell cell) { return (cell >> kTakeShift) & 0xFF; }
+constexpr Cell FillOf(Cell cell) { return (cell >> kFillShift) & 0xFF; }
 
 // A cell of the column of class cls; take is -1 where the position keeps its class, fill -1 where
 // the run stays open.
@@ -99,9 +104,47 @@ constexpr Table<kNeutralStates> MakeNeutralTable(int parity, bool adds) {
     return t;
 }
 
-constexpr Table<kWeakStates> kWeak = MakeWeakTable();
-constexpr Table<kNeutralStates> kNeutral[2] = {MakeNeutralTable(0, false), MakeNeutralTable(1, false)};
-constexpr Table<kNeutralStates> kNeutralAdds[2] = {MakeNeutralTable(0, true), MakeNeutralTable(1, true)};
+// The neutral cells of both parities in one table, those of parity 1 behind those of parity 0, so
+// that the walk of a line reads a table whose place is known when the program is built.
+constexpr int kNeutralParityCells = kNeutralStates * kColumns;
+constexpr Table<2 * kNeutralStates> MakeNeutralTables(bool adds) {
+    Table<2 * kNeutralStates> t{};
+    for (int parity = 0; parity < 2; ++parity) {
+        const Table<kNeutralStates> one = MakeNeutralTable(parity, adds);
+        for (int k = 0; k < kNeutralParityCells; ++k) {
+            const Cell cell = one.cells[k];
+            t.cells[parity * kNeutralParityCells + k] =
+                (cell & ~kRowBits) | ((cell & kRowBits) + Cell(parity * kNeutralParityCells));
+        }
+    }
+    return t;
+}
+
+// Marks kStable the cells after which a position of the same class would leave the state as it
+// is, take the same class and neither open nor join a run: with no run open, a word then takes
+// the class and level of its unit before from its second unit on.
+template <int kStates>
+constexpr Table<kStates> MarkStable(Table<kStates> t) {
+    for (int k = 0; k < kStates * kColumns; ++k) {
+        const Cell cell = t.cells[k];
+        const Cell row = (cell & kJoinsOpenRun) ? Cell(k - k % kColumns) : cell & kRowBits;
+        const Cell again = t.cells[row + Cell(k % kColumns)];
+        const bool stays = (again & kJoinsOpenRun) || (again & kRowBits) == row;
+        if (!(cell & kJoins) && !(again & kJoins) && stays && TakeOf(again) == TakeOf(cell)) t.cells[k] |= kStable;
+    }
+    return t;
+}
+
+constexpr Table<kWeakStates> kWeak = MarkStable(MakeWeakTable());
+constexpr Table<2 * kNeutralStates> kNeutral = MakeNeutralTables(false);
+constexpr Table<2 * kNeutralStates> kNeutralAdds = MarkStable(MakeNeutralTables(true));
+
+// The cells of a table known when the program is built, as the walk of a line reads them: no
+// pointer to them need be kept while it runs.
+template <const auto& kTable>
+struct FixedCells {
+    Cell operator[](Cell index) const { return kTable.cells[index]; }
+};
 
 // The class of a stored class for the resolution: S, WS and the spare values are ON; paragraph
 // separators and explicit controls are BN, since neither a paragraph nor an embedding is acted on.
@@ -115,15 +158,18 @@ constexpr BYTE kLineClassMap[kClassBits + 1] = {
 // One state machine walking positions in order, with the deferred run it has open. A line takes
 // the class each position ends with (line.Write) and the class a run of the run positions in front
 // of an index is filled with (line.Fill), and gives the column of a class (line.Column).
+template <typename Cells>
 struct Machine {
-    const Cell* cells;
+    Cells cells;
     Cell row;  // the first cell of the state's row
     DWORD run;
+    Cell lastCell = 0;  // the cell of the last position
 
     // The position index of class cls; gives the class it takes.
     template <typename Line>
     Cell Step(DWORD index, Cell cls, Line& line) {
         const Cell cell = cells[row + line.Column(cls)];
+        lastCell = cell;
         if constexpr (Line::kFillsWithoutBranch) {
             const bool fills = run != 0 && (cell & kFills);
             line.FillWithoutBranch(index, run, FillOf(cell), fills);
@@ -141,7 +187,7 @@ struct Machine {
         }
         // A position that doesn't join the run ends it: where one is open, it has been filled.
         run = (cell & kJoins) ? run + 1 : 0;
-        row = static_cast<uint32_t>(cell);
+        row = cell & kRowBits;
         return out;
     }
 
@@ -156,10 +202,9 @@ struct Machine {
 
 // The machines start as if a character of the base direction stood before the line, and the end
 // of the line settles what is open as if one followed it.
-Machine WeakMachine(WORD baseLevel) { return {kWeak.cells, ((baseLevel & 1) ? 1u : 2u) * kColumns, 0}; }
-Machine NeutralMachine(WORD baseLevel, bool adds) {
-    const Table<kNeutralStates>& table = (adds ? kNeutralAdds : kNeutral)[baseLevel & 1];
-    return {table.cells, ((baseLevel & 1) ? 0u : 1u) * kColumns, 0};
+Cell WeakStart(WORD baseLevel) { return ((baseLevel & 1) ? 1u : 2u) * kColumns; }
+Cell NeutralStart(WORD baseLevel) {
+    return (baseLevel & 1) ? Cell{kNeutralParityCells} : Cell{kColumns};
 }
 int EndClass(WORD baseLevel) { return (baseLevel & 1) ? ZelBidiR : ZelBidiL; }
 
@@ -182,7 +227,8 @@ struct ClassArray {
     }
 };
 
-void WalkClasses(Machine machine, WORD baseLevel, WORD* classes, DWORD count) {
+template <typename Cells>
+void WalkClasses(Machine<Cells> machine, WORD baseLevel, WORD* classes, DWORD count) {
     ClassArray line{classes};
     for (DWORD i = 0; i < count; ++i)
         if (classes[i] != kSkip) machine.Step(i, classes[i], line);
@@ -240,68 +286,108 @@ struct LineLevels {
 }  // namespace
 
 void BidiResolveWeak(WORD baseLevel, WORD* classes, DWORD count) {
-    WalkClasses(WeakMachine(baseLevel), baseLevel, classes, count);
+    WalkClasses(Machine<FixedCells<kWeak>>{{}, WeakStart(baseLevel), 0}, baseLevel, classes, count);
 }
 
 void BidiResolveNeutral(WORD baseLevel, WORD* classes, DWORD count) {
-    WalkClasses(NeutralMachine(baseLevel, false), baseLevel, classes, count);
+    WalkClasses(Machine<FixedCells<kNeutral>>{{}, NeutralStart(baseLevel), 0}, baseLevel, classes, count);
 }
+
+namespace {
+
+// By property byte: the line class, with kFewBit where the white space step has more to do
+// (kWhitespaceFew).
+constexpr BYTE kFewBit = 0x40;
+constexpr auto kLineByProperty = [] {
+    std::array<BYTE, 256> table{};
+    for (unsigned prop = 0; prop < table.size(); ++prop) {
+        const unsigned cls = prop & kClassBits;
+        table[prop] = static_cast<BYTE>(kLineClassMap[cls] | ((kWhitespaceFew >> cls) & 1 ? kFewBit : 0));
+    }
+    return table;
+}();
+
+// The properties of a line into scratch, and its line classes into the class array, which the walk
+// then resolves in place. Gives whether the line holds a BN, a separator or an explicit control.
+bool ReadLine(const WCHAR* text, DWORD count, BYTE* props, BYTE* classes) {
+    unsigned seen = 0;
+    BYTE previous = ZelBidiON;
+    for (DWORD i = 0; i < count; ++i) {
+        const WCHAR c = text[i];
+        const BYTE prop = PropertyByteOf(c);
+        props[i] = prop;
+        const BYTE line = kLineByProperty[prop];
+        seen |= line;
+        BYTE cls = static_cast<BYTE>(line & ~kFewBit);
+        // A full stop right behind a number belongs to it, so a decimal point never separates,
+        // and a run of full stops all follow the number.
+        if (c == u'.' && (previous == ZelBidiEN || previous == ZelBidiAN)) cls = previous;
+        classes[i] = cls;
+        previous = cls;
+    }
+    return (seen & kFewBit) != 0;
+}
+
+// The first index from i below count whose class isn't cls.
+DWORD RunEnd(const BYTE* classes, DWORD i, DWORD count, BYTE cls) {
+#if ZEL_BIDI_SSE2
+    const __m128i all = _mm_set1_epi8(static_cast<char>(cls));
+    for (; count - i >= 16; i += 16) {
+        const __m128i sixteen = _mm_loadu_si128(reinterpret_cast<const __m128i*>(classes + i));
+        const auto other = ~static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(sixteen, all))) & 0xFFFFu;
+        if (other) return i + static_cast<DWORD>(__builtin_ctz(other));
+    }
+#endif
+    while (i < count && classes[i] == cls) ++i;
+    return i;
+}
+
+}  // namespace
 
 // The weak and the neutral machine walk the line together, the neutral one a position behind the
 // weak one, or as far behind as the weak one has a run open: a position goes on to the neutral
 // step once its weak class is settled. The two machines then work side by side.
 unsigned ResolveLine(const WCHAR* text, DWORD count, WORD baseLevel, LineScratch& scratch, WORD* levels) {
-    BYTE* const props = scratch.props;
-    LineClasses classes{scratch.classes};
+    BYTE* const lineClasses = scratch.classes;
+    scratch.separators = ReadLine(text, count, scratch.props, lineClasses);
+    LineClasses classes{lineClasses};
     LineLevels settled{levels, baseLevel, 0, 0};
-    Machine weak = WeakMachine(baseLevel);
-    Machine neutral = NeutralMachine(baseLevel, true);
+    Machine<FixedCells<kWeak>> weak{{}, WeakStart(baseLevel), 0};
+    Machine<FixedCells<kNeutralAdds>> neutral{{}, NeutralStart(baseLevel), 0};
     DWORD fed = 0;  // the positions before fed have gone through the neutral step
-    Cell last = ZelBidiON;
-    DWORD separators = 0;
-    // Where a position left both machines in the state they were in, with no run open, the next
-    // position of the same class does the same: a word of letters or a number after its first
-    // unit takes the class and level of the unit before it and needs neither machine.
+    // Where a position left both machines with no run open in a state that the same class again
+    // would not change (kStable), the next positions of that class take the class and level of
+    // this one and need neither machine: a word of letters or a number after its first unit.
     constexpr Cell kNoRepeat = 0xFF;
     Cell repeat = kNoRepeat;
-    BYTE repeatClass = 0;
-    WORD repeatLevel = 0;
+    Cell repeatFill = 0;  // the class they take in the low byte, the level above it
     for (DWORD i = 0; i < count; ++i) {
-        // The property byte of each unit is read here, once, and kept.
-        const WCHAR c = text[i];
-        const BYTE prop = PropertyByteOf(c);
-        props[i] = prop;
-        Cell cls = kLineClassMap[prop & kClassBits];
+        const Cell cls = lineClasses[i];
         if (cls == repeat) {
-            classes.classes[i] = repeatClass;
-            levels[i] = repeatLevel;
-            fed = i + 1;
+            const DWORD end = RunEnd(lineClasses, i + 1, count, static_cast<BYTE>(repeat));
+            for (DWORD k = i; k < end; ++k) {
+                lineClasses[k] = static_cast<BYTE>(repeatFill);
+                levels[k] = static_cast<WORD>(repeatFill >> 8);
+            }
+            fed = end;
+            i = end - 1;
             continue;
         }
-        separators |= (kWhitespaceFew >> (prop & kClassBits)) & 1;
-        // A full stop right behind a number belongs to it, so a decimal point never separates,
-        // and a run of full stops all follow the number.
-        if (c == u'.' && (last == ZelBidiEN || last == ZelBidiAN)) cls = last;
-        last = cls;
-        const Cell weakRow = weak.row;
         const Cell weakClass = weak.Step(i, cls, classes);
         repeat = kNoRepeat;
         if (weak.run == 0) {
             for (; fed < i; ++fed) neutral.Step(fed, classes.classes[fed], settled);
-            const Cell neutralRow = neutral.row;
             neutral.Step(i, weakClass, settled);
             fed = i + 1;
-            if (weak.row == weakRow && neutral.row == neutralRow && neutral.run == 0) {
+            if ((weak.lastCell & neutral.lastCell & kStable) && neutral.run == 0) {
                 repeat = cls;
-                repeatClass = static_cast<BYTE>(weakClass);
-                repeatLevel = levels[i];
+                repeatFill = weakClass | Cell{levels[i]} << 8;
             }
         }
     }
     weak.End(count, EndClass(baseLevel), classes);
     for (; fed < count; ++fed) neutral.Step(fed, classes.classes[fed], settled);
     neutral.End(count, EndClass(baseLevel), settled);
-    scratch.separators = separators != 0;
     return static_cast<unsigned>(settled.raised);
 }
 

@@ -14,4 +14,8 @@ constexpr DWORD ZelMakeSortIndex(int initial, int medial, int final) {
            static_cast<DWORD>(final & 0xFF);
 }
 
+// The text call one character at a time through ZelUnicodeToSortIndexBase: the plain walk that the
+// table walk of ZelUnicodeToSortIndex is held to.
+int ZelUnicodeToSortIndexReference(DWORD flags, const WCHAR* text, DWORD* buffer, int size);
+
 #endif  // ZEL_CODETABLES_SORT_INDEX_H

@@ -4,11 +4,15 @@
 #include <zel/codetables.h>
 #include <zel/paths.h>
 
+#include <algorithm>
+#include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "code_table_writer.h"
 #include "codetables/code_tables.h"
+#include "codetables/sort_index.h"
 #include "codetables/table_path_fixture.h"
 #include "platform/win32.h"
 #include "support/support.h"
@@ -167,6 +171,43 @@ TEST_F(SortIndexTest, TextCalls) {
     EXPECT_EQ(std::u16string(u"\uAC00\uFFFD\uE0BD\u3131\x7777"), std::u16string(text, 5));
     EXPECT_EQ(2, ZelSortIndexToUnicode(0, in, -1, text, 3));
     EXPECT_EQ(0, ZelSortIndexToUnicode(0, in, -1, text, 1));
+}
+
+// The text call reads modern syllables from tables and everything else one character at a time:
+// it must give what the plain walk gives, for every unit, in random texts of all the Hangul forms
+// and their neighbours, cut by every kind of size, with and without the "pua" records.
+TEST_F(SortIndexTest, TextCallGivesThePlainWalksKeys) {
+    auto same = [](const std::u16string& text, int size) {
+        std::vector<DWORD> fast(size_t(std::max(size, 0)) + 1, 0x5A5A5A5A), plain = fast;
+        const int count = ZelUnicodeToSortIndex(0, text.c_str(), -1, fast.data(), size);
+        ASSERT_EQ(ZelUnicodeToSortIndexReference(0, text.c_str(), plain.data(), size), count) << size;
+        ASSERT_EQ(plain, fast) << size;
+    };
+    std::u16string every;
+    for (DWORD u = 1; u <= 0xFFFF; ++u) every.push_back(char16_t(u));
+    same(every, int(every.size()) + 1);
+
+    const std::pair<DWORD, DWORD> ranges[] = {{0x0001, 0x10FF}, {0x1100, 0x11FF}, {0x3130, 0x318F},
+                                              {0xABF0, 0xAC10}, {0xAC00, 0xD7A3}, {0xD790, 0xD7B0},
+                                              {0xE000, 0xF8FF}, {0x0001, 0xFFFF}};
+    std::mt19937 random(0x5027);
+    auto check = [&] {
+        for (int round = 0; round < 2000; ++round) {
+            std::u16string text;
+            const size_t length = random() % 40;
+            for (size_t i = 0; i < length; ++i) {
+                const auto [first, last] = ranges[random() % std::size(ranges)];
+                text.push_back(char16_t(first + random() % (last - first + 1)));
+            }
+            if (length && random() % 8 == 0) text[random() % length] = 0;
+            same(text, int(random() % 48) - 2);
+        }
+    };
+    check();  // no tables: both give nothing
+    ZelResetCodeTablesForTest();
+    LoadTables();
+    same(every, int(every.size()) + 1);
+    check();
 }
 
 }  // namespace
