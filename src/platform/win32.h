@@ -90,11 +90,12 @@ DWORD SizeofResource(HMODULE module, HRSRC resource);
 int LoadStringA(HMODULE module, UINT id, LPSTR buffer, int size);
 
 // ---------------------------------------------------------------------------------------------
-// Messages (posix/shell/messages.cpp)
+// Messages: debug output (posix/shell/debug_output.cpp), message boxes
+// (common/shell/message_boxes.cpp)
 
 void OutputDebugStringA(LPCSTR text) ZEL_SYSTEM_CALL(OutputDebugStringA);
-int MessageBoxA(HWND owner, LPCSTR text, LPCSTR caption, UINT style) ZEL_SYSTEM_CALL(MessageBoxA);
-int MessageBoxW(HWND owner, LPCWSTR text, LPCWSTR caption, UINT style) ZEL_SYSTEM_CALL(MessageBoxW);
+int MessageBoxA(HWND owner, LPCSTR text, LPCSTR caption, UINT style);
+int MessageBoxW(HWND owner, LPCWSTR text, LPCWSTR caption, UINT style);
 
 // The system's message texts (posix/modules/format_message.cpp), in English whatever the language asked
 // for: language 0, a default language or any English one. A code may come as its HRESULT

@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 #include <zel/paths.h>
 
+#include <filesystem>
 #include <cstring>
 #include <optional>
 #include <string>
@@ -26,7 +27,7 @@ class CodeTableTest : public ::testing::Test {
 protected:
     void SetUp() override {
         code_ = dir_.path() + "/Code";
-        ASSERT_EQ(0, mkdir(code_.c_str(), 0755));
+        ASSERT_TRUE(std::filesystem::create_directory(code_.c_str()));
         common_.emplace(dir_.path());
         ASSERT_TRUE(common_->registered());
         ZelResetCodeTablesForTest();

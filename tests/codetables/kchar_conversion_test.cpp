@@ -5,6 +5,7 @@
 #include <zel/codetables.h>
 #include <zel/paths.h>
 
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <vector>
@@ -27,7 +28,7 @@ class KCharTest : public ::testing::Test {
 protected:
     void SetUp() override {
         code_ = dir_.path() + "/Code";
-        ASSERT_EQ(0, mkdir(code_.c_str(), 0755));
+        ASSERT_TRUE(std::filesystem::create_directory(code_.c_str()));
         common_.emplace(dir_.path());
         ASSERT_TRUE(common_->registered());
         ZelResetCodeTablesForTest();

@@ -7,6 +7,7 @@
 #include <sys/stat.h>
 #include <zel/paths.h>
 
+#include <filesystem>
 #include <cstdint>
 #include <map>
 #include <optional>
@@ -43,7 +44,7 @@ private:
 class TablePathFixture : public ::testing::Test {
 protected:
     void SetUp() override {
-        ::mkdir(dir_.file("Code").c_str(), 0755);
+        std::filesystem::create_directory(dir_.file("Code").c_str());
         ZelResetCodeTablesForTest();
         common_.emplace(dir_.path());
         ASSERT_TRUE(common_->registered());

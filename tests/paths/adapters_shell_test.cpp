@@ -11,6 +11,7 @@
 #include "paths/os/dynamic_calls.h"
 #include "platform/win32.h"
 #include "support/support.h"
+#include "support/system.h"
 
 namespace {
 
@@ -101,7 +102,7 @@ TEST(AdapterShell, CallsBoundAtRunTimeMayBeMissing) {
     EXPECT_TRUE(ZelSHGetSettings(&state, SSF_SHOWEXTENSIONS));
     // The bindings are cached for the process: a child forgets them and sees the calls hidden.
     EXPECT_EQ(0, zeltest::RunInChild([] {
-        setenv("ZEL_HIDE_CALLS", "SHGetSpecialFolderPathA,SHGetSpecialFolderPathW,SHGetSettings", 1);
+        zeltest::SetEnvironment("ZEL_HIDE_CALLS", "SHGetSpecialFolderPathA,SHGetSpecialFolderPathW,SHGetSettings");
         ZelDynamicCallsForget();
         WCHAR buffer[MAX_PATH] = {u'#', 0};
         SHELLFLAGSTATE flags = {};

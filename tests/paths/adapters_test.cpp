@@ -13,6 +13,7 @@
 #include "platform/win32.h"
 #include "strings/wstr.h"
 #include "support/support.h"
+#include "support/system.h"
 
 namespace {
 
@@ -133,7 +134,7 @@ TEST(Adapter, ShortAndLongNamesCountBytesInAnsiMode) {
     // buffer alone. The binding is cached, so a child forgets it and runs without the call.
     const std::u16string missing = u"c:\\no\\such\\file.txt";
     EXPECT_EQ(0, zeltest::RunInChild([&] {
-        setenv("ZEL_HIDE_CALLS", "GetLongPathNameA,GetLongPathNameW", 1);
+        zeltest::SetEnvironment("ZEL_HIDE_CALLS", "GetLongPathNameA,GetLongPathNameW");
         ZelDynamicCallsForget();
         WCHAR out[MAX_PATH] = {u'#', 0};
         if (ZelGetLongPathName(missing.c_str(), out, missing.size()) != missing.size() || out[0] != u'#') return 1;

@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <filesystem>
 #include <cerrno>
 #include <cstdlib>
 #include <string>
@@ -127,8 +128,8 @@ TEST(FilesRuntime, FullPathsAndTheCurrentDirectory) {
 
 TEST(FilesRuntime, SearchEnvLooksInTheCurrentDirectoryThenTheList) {
     TempDir dir;
-    ASSERT_EQ(mkdir(dir.file("one").c_str(), 0777), 0);
-    ASSERT_EQ(mkdir(dir.file("two").c_str(), 0777), 0);
+    ASSERT_EQ(std::filesystem::create_directory(dir.file("one").c_str()), 0);
+    ASSERT_EQ(std::filesystem::create_directory(dir.file("two").c_str()), 0);
     zeltest::WriteFile(dir.file("two/tool"), "");
     zeltest::WriteFile(dir.file("one/tool"), "");
     zeltest::WriteFile(dir.file("here"), "");

@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <filesystem>
 #include <chrono>
 #include <string>
 #include <thread>
@@ -45,9 +46,9 @@ TEST(Shell, FileOperationsCopyIntoDirectoriesAndByMask) {
     WriteFile(dir.file("a.txt"), "alpha");
     WriteFile(dir.file("b.txt"), "beta");
     WriteFile(dir.file("c.log"), "log");
-    mkdir(dir.file("sub").c_str(), 0755);
-    mkdir(dir.file("tree").c_str(), 0755);
-    mkdir(dir.file("tree/inner").c_str(), 0755);
+    std::filesystem::create_directory(dir.file("sub").c_str());
+    std::filesystem::create_directory(dir.file("tree").c_str());
+    std::filesystem::create_directory(dir.file("tree/inner").c_str());
     WriteFile(dir.file("tree/inner/deep.txt"), "deep");
 
     const std::u16string sub = List({dir.file("sub")});
@@ -85,7 +86,7 @@ TEST(Shell, FileOperationsCopyIntoDirectoriesAndByMask) {
 TEST(Shell, FileOperationsMoveRenameAndDelete) {
     TempDir dir;
     WriteFile(dir.file("a.txt"), "alpha");
-    mkdir(dir.file("tree").c_str(), 0755);
+    std::filesystem::create_directory(dir.file("tree").c_str());
     WriteFile(dir.file("tree/x"), "x");
 
     const std::u16string target = List({dir.file("moved")});
@@ -256,7 +257,7 @@ TEST(Shell, ExecuteRunsProgramsWithTheirParameters) {
     const std::string script = dir.file("write.sh");
     WriteFile(script, "#!/bin/sh\nprintf '%s|' \"$@\" > \"$PWD/out.tmp\"\nmv \"$PWD/out.tmp\" \"$PWD/out\"\n");
     chmod(script.c_str(), 0755);
-    mkdir(dir.file("work").c_str(), 0755);
+    std::filesystem::create_directory(dir.file("work").c_str());
     const std::u16string work = Win(dir.file("work"));
     HINSTANCE result = ShellExecuteW(nullptr, u"open", Win(script).c_str(), u"one \"two words\" a\\\"b",
                                      work.c_str(), SW_HIDE);

@@ -62,8 +62,9 @@ TEST(IOBase, IntegersInBothByteOrdersMoveWholeValues) {
 TEST(IOBase, LongOverloadsTakeFourBytesAndExtendThem) {
     RecordingIO io;
     io.input = {0xFE, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF};
-    long value = 0x1111111111111111;
-    unsigned long uvalue = 0x1111111111111111;
+    // Ones in every nibble, as wide as the system's long.
+    long value = static_cast<long>(~0UL / 15);
+    unsigned long uvalue = ~0UL / 15;
     EXPECT_TRUE(io.GetInt32(value) && io.GetUInt32(uvalue));
     EXPECT_EQ(value, -2);
     EXPECT_EQ(uvalue, 0xFFFFFFFFul);

@@ -7,6 +7,7 @@
 
 #include "frame/resource_lookup.h"
 #include "platform/win32.h"
+#include "support/system.h"
 
 namespace zeltest {
 
@@ -38,7 +39,7 @@ ModuleInDir::ModuleInDir(const std::string& relative) {
     std::filesystem::create_directories(target.parent_path());
     std::filesystem::copy_file(SystemLibraryPath(), target);
     directory_ = target.parent_path().string();
-    handle_ = LoadLibraryW(ZelPlatformPathFromSystem(target.c_str()).c_str());
+    handle_ = LoadLibraryW(ZelPlatformPathFromSystem(target.string().c_str()).c_str());
     EXPECT_NE(handle_, nullptr) << target;
 }
 
@@ -94,7 +95,7 @@ void DeleteRegistryValue(HKEY root, const std::string& key, const std::string& n
 
 void UseSystemLanguage(const char* lcid) {
     DeleteRegistryValue(HKEY_CURRENT_USER, "Software\\Morvalis\\Global Settings\\User Locales", "LCID");
-    setenv("ZEL_LCID", lcid, 1);
+    zeltest::SetEnvironment("ZEL_LCID", lcid);
     ZelForgetLocaleCaches();
 }
 

@@ -69,7 +69,7 @@ std::wstring EnvironmentBlock(const std::map<std::string, std::optional<std::str
 void ReadAll(HANDLE pipe, std::string* into) {
     char buffer[4096];
     DWORD n = 0;
-    while (ReadFile(pipe, buffer, sizeof buffer, &n, nullptr) && n > 0) into->append(buffer, n);
+    while (::ReadFile(pipe, buffer, sizeof buffer, &n, nullptr) && n > 0) into->append(buffer, n);
     CloseHandle(pipe);
 }
 
@@ -117,7 +117,7 @@ ProgramResult RunProgram(const std::string& path, const std::vector<std::string>
     std::thread out(ReadAll, outRead, &result.out), err(ReadAll, errRead, &result.err);
     if (started) {
         DWORD written = 0;
-        if (!stdinText.empty()) WriteFile(inWrite, stdinText.data(), DWORD(stdinText.size()), &written, nullptr);
+        if (!stdinText.empty()) ::WriteFile(inWrite, stdinText.data(), DWORD(stdinText.size()), &written, nullptr);
     }
     CloseHandle(inWrite);
     out.join();

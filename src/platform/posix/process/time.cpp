@@ -1,29 +1,16 @@
 // Time in the Win32 forms: FILETIME counts 100-ns units since 1601-01-01 UTC, SYSTEMTIME holds the
 // calendar fields. The calendar arithmetic is done here rather than through timegm, so that the
 // whole FILETIME range works whatever the width of the system's time_t.
-#include "platform/win32.h"
-
 #include <ctime>
+
+#include "platform/common/process/file_time.h"
+#include "platform/win32.h"
 
 namespace {
 
-constexpr int64_t kTicksPerSecond = 10000000;
 constexpr int64_t kSecondsPerDay = 86400;
-// Seconds from 1601-01-01 to 1970-01-01.
-constexpr int64_t kUnixEpochSeconds = 11644473600LL;
 // Days from 0000-03-01 (proleptic Gregorian) to 1970-01-01.
 constexpr int64_t kUnixEpochDays = 719468;
-
-uint64_t TicksOf(const FILETIME& time) {
-    return (uint64_t{time.dwHighDateTime} << 32) | time.dwLowDateTime;
-}
-
-FILETIME FileTimeOf(uint64_t ticks) {
-    FILETIME time;
-    time.dwLowDateTime = static_cast<DWORD>(ticks);
-    time.dwHighDateTime = static_cast<DWORD>(ticks >> 32);
-    return time;
-}
 
 // Days since 1970-01-01 of a date, and back (the era-based algorithm for the Gregorian calendar).
 int64_t DaysFromCivil(int64_t year, unsigned month, unsigned day) {
@@ -92,21 +79,6 @@ int64_t LocalOffsetAt(int64_t unixSeconds) {
 }
 
 }  // namespace
-
-FILETIME ZelPlatformFileTimeFromUnix(int64_t seconds, long nanoseconds) {
-    // Instants before 1601 have no FILETIME; they become its origin.
-    if (seconds < -kUnixEpochSeconds) return FileTimeOf(0);
-    const uint64_t whole = static_cast<uint64_t>(seconds + kUnixEpochSeconds);
-    if (whole > UINT64_MAX / kTicksPerSecond - 1) return FileTimeOf(UINT64_MAX);
-    const int64_t fraction = nanoseconds / 100;
-    const uint64_t ticks = whole * kTicksPerSecond;
-    if (fraction < 0 && static_cast<uint64_t>(-fraction) > ticks) return FileTimeOf(0);
-    return FileTimeOf(ticks + static_cast<uint64_t>(fraction));
-}
-
-int64_t ZelPlatformUnixFromFileTime(const FILETIME& time) {
-    return static_cast<int64_t>(TicksOf(time) / kTicksPerSecond) - kUnixEpochSeconds;
-}
 
 void GetSystemTimeAsFileTime(LPFILETIME time) {
     if (time) *time = FileTimeOf(NowTicks());

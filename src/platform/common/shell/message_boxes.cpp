@@ -1,41 +1,33 @@
-// Debug output and message boxes. There are no windows here: a box is its caption and text on
-// standard error, or whatever the host's handler makes of them.
+// Message boxes: the host's handler answers them, or without one the caption and text go to
+// standard error and the box answers IDOK, on every system, so that no box waits for a user who
+// isn't there.
 #include <cstdio>
-#include <cstdlib>
-#include <cstring>
 #include <mutex>
-#include <string>
 
 #include <zel/host.h>
 
+#include "platform/process_object.h"
 #include "platform/win32.h"
 
 namespace {
 
-std::mutex handlerLock;
+constinit ZelProcessObjectLock handlerLock;
 ZelMessageBoxHandler handler = nullptr;
 void* handlerContext = nullptr;
 
 }  // namespace
 
 ZEL_API void ZelSetMessageBoxHandler(ZelMessageBoxHandler newHandler, void* context) {
-    std::lock_guard<std::mutex> guard(handlerLock);
+    std::lock_guard<ZelProcessObjectLock> guard(handlerLock);
     handler = newHandler;
     handlerContext = context;
-}
-
-void OutputDebugStringA(LPCSTR text) {
-    const char* debug = getenv("ZEL_DEBUG");
-    if (!text || !debug || !*debug || strcmp(debug, "0") == 0) return;
-    fputs(text, stderr);
-    fflush(stderr);
 }
 
 int MessageBoxW(HWND, LPCWSTR text, LPCWSTR caption, UINT style) {
     ZelMessageBoxHandler current;
     void* context;
     {
-        std::lock_guard<std::mutex> guard(handlerLock);
+        std::lock_guard<ZelProcessObjectLock> guard(handlerLock);
         current = handler;
         context = handlerContext;
     }
