@@ -5,6 +5,7 @@
 #include <cstring>
 #include <type_traits>
 
+#include "codetables/codepage_blocks.h"
 #include "codetables/codepage_table_path.h"
 #include "codetables/gb_four_byte_runs.h"
 #include "platform/win32.h"
@@ -25,7 +26,7 @@ constexpr bool IsHighSurrogate(WCHAR u) { return u >= 0xD800 && u <= 0xDBFF; }
 constexpr bool IsLowSurrogate(WCHAR u) { return u >= 0xDC00 && u <= 0xDFFF; }
 constexpr bool IsSurrogate(WCHAR u) { return u >= 0xD800 && u <= 0xDFFF; }
 
-enum class Page { Plain, Kana932, Gb936 };
+using Page = ZelTablePage;
 
 Page PageOf(UINT codePage) {
     if (codePage == 932) return Page::Kana932;
@@ -118,6 +119,7 @@ int Decode(const ZelCodePageTables& tables, const BYTE* text, int length, WCHAR*
         return DecodeOneByOne<kPage>(tables, text, length, buffer, size);
     [[maybe_unused]] const WCHAR* unitsOfPlaces = nullptr;
     if constexpr (kPage == Page::Gb936) unitsOfPlaces = Zel936UnitsOfPlaces();
+    [[maybe_unused]] const bool blocks = zel::utf::BlockLevel() >= 2;
     int in = 0;
     int out = 0;
     while (in < length && out < s.limit) {
@@ -127,6 +129,14 @@ int Decode(const ZelCodePageTables& tables, const BYTE* text, int length, WCHAR*
             const BYTE* const end = p + span;
             WCHAR* o = buffer + out;
             while (p < end) {
+#if ZEL_UTF_BLOCKS
+                // The kernel stops at a character it leaves to the steps below, which take that
+                // one character and hand back.
+                if (blocks && end - p >= 64) {
+                    ZelDecodeBlocks(kPage, s.mb2Uni, s.first, p, end, o);
+                    if (p >= end) break;
+                }
+#endif
                 // Every first code lies above 0x8000, so a byte below 0x80 and a lead byte
                 // below the first code are one case.
                 const BYTE b = *p;

@@ -1,6 +1,7 @@
 // The table path's bulk walks against its one-character-at-a-time walks: same count, same bytes
 // in the whole output buffer, for every code page, every buffer size around the end of the text,
-// counted and zero-terminated input, tables full of odd entries.
+// counted and zero-terminated input, tables full of odd entries, with and without the block
+// kernels of the decoder.
 #include <gtest/gtest.h>
 #include <zel/codetables.h>
 
@@ -12,6 +13,7 @@
 #include "codetables/codepage_front.h"
 #include "codetables/codepage_table_path.h"
 #include "codetables/table_path_fixture.h"
+#include "strings/utf_blocks.h"
 
 namespace {
 
@@ -90,6 +92,52 @@ std::string RandomNarrow(std::mt19937& random, size_t bytes) {
     return text;
 }
 
+// Text the block kernels take whole: mostly double-byte codes, short runs of ASCII, well-formed
+// four-byte sequences, with now and then a byte that a kernel must get right or leave alone: the
+// lead bytes around the first code, the half-width bytes, 0x80, 0xFF 0xFF.
+std::string RandomCodes(std::mt19937& random, size_t bytes) {
+    std::string text;
+    while (text.size() < bytes) {
+        const uint32_t pick = random() % 40;
+        if (pick < 24) {
+            text += char(0x81 + random() % 0x7E);
+            text += char(0x40 + random() % 0xBF);
+        } else if (pick < 30) {
+            for (uint32_t n = random() % 6; n > 0; --n) text += char(0x20 + random() % 0x5F);
+        } else if (pick < 34) {
+            text += char(0x81 + random() % 0x7E);
+            text += char(0x30 + random() % 10);
+            text += char(0x81 + random() % 0x7E);
+            text += char(0x30 + random() % 10);
+        } else if (pick < 36) {
+            text += char(0xA0 + random() % 0x40);
+        } else if (pick == 36) {
+            text += char(0x81);
+            text += char(0x30 + random() % 0x20);
+        } else if (pick == 37) {
+            text += "\xFF\xFF";
+        } else {
+            text += char(0x80 + (random() % 2) * 0x7F);
+        }
+    }
+    text.resize(bytes);
+    return text;
+}
+
+// Runs body at every level of the block kernels up to the processor's own: none first.
+template <typename Body>
+void AtEveryBlockLevel(Body body) {
+    zel::utf::LimitBlockLevel(2);
+    const int widest = zel::utf::BlockLevel();
+    for (int level = 0; level <= widest; ++level) {
+        SCOPED_TRACE(testing::Message() << "block level " << level);
+        zel::utf::LimitBlockLevel(level);
+        body();
+        if (testing::Test::HasFatalFailure()) break;
+    }
+    zel::utf::LimitBlockLevel(2);
+}
+
 constexpr int kCanary = 0x5A;
 
 // Every size from 0 to a little beyond what the text can need, the text counted and terminated.
@@ -129,7 +177,33 @@ TEST(TablePathWalks, BulkWalksMatchTheOneByOneWalksOnRandomText) {
         for (int round = 0; round < 40; ++round) {
             const size_t units = 1 + random() % 70;
             ASSERT_NO_FATAL_FAILURE(CompareFromUnicode(page, tables.view, RandomWide(random, units)));
-            ASSERT_NO_FATAL_FAILURE(CompareToUnicode(page, tables.view, RandomNarrow(random, units * 2)));
+            const std::string narrow = RandomNarrow(random, units * 2);
+            AtEveryBlockLevel([&] { CompareToUnicode(page, tables.view, narrow); });
+            ASSERT_FALSE(HasFatalFailure());
+        }
+    }
+}
+
+// Several blocks of text, every buffer size, through tables of odd entries and through tables
+// that hold the opener of 936 only where its real table does (before a digit), so that the
+// kernel of 936 runs on for whole blocks as it does on real text.
+TEST(TablePathWalks, BlockDecodingMatchesTheOneByOneWalk) {
+    std::mt19937 random(0xB10C5);
+    for (UINT page : kPages) {
+        SCOPED_TRACE(page);
+        Tables odd(page);
+        Tables plain(page);
+        for (size_t i = 0; i < plain.mb2Uni.size(); ++i) {
+            const unsigned code = ZelFirstCodeOf(page) + unsigned(i);
+            uint16_t& entry = plain.mb2Uni[i];
+            if (entry == kZel936OpenerMarker) entry = 0x4E00;
+            if (page == 936 && (code & 0xFF) >= 0x30 && (code & 0xFF) <= 0x39) entry = kZel936OpenerMarker;
+        }
+        for (int round = 0; round < 12; ++round) {
+            const std::string text = RandomCodes(random, 64 + random() % 300);
+            for (const Tables* tables : {&odd, &plain})
+                AtEveryBlockLevel([&] { CompareToUnicode(page, tables->view, text); });
+            ASSERT_FALSE(HasFatalFailure());
         }
     }
 }
@@ -152,7 +226,8 @@ TEST(TablePathWalks, BulkWalksMatchAtTheEdges) {
         SCOPED_TRACE(page);
         const Tables tables(page);
         for (const auto& text : wide) ASSERT_NO_FATAL_FAILURE(CompareFromUnicode(page, tables.view, text));
-        for (const auto& text : narrow) ASSERT_NO_FATAL_FAILURE(CompareToUnicode(page, tables.view, text));
+        for (const auto& text : narrow) AtEveryBlockLevel([&] { CompareToUnicode(page, tables.view, text); });
+        ASSERT_FALSE(HasFatalFailure());
     }
 }
 
