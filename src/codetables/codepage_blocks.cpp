@@ -7,11 +7,19 @@
 // subtraction over the 64 bits of a block finds those runs. Each start then gets its unit: the
 // byte itself, or for an opening byte the table entry of the code that it and the byte behind it
 // make, gathered sixteen at a time; a compress puts the units of the starts side by side.
+//
+// A four-byte sequence of 936 (opener, digit, byte from 0x81, digit) reads as two codes to the
+// above, so the starts agree again behind it. Its opener is a code before a digit that is not
+// the second half of another such sequence: in a chain of those codes every second one opens,
+// the same runs problem once more over every other bit. The kernel leaves the second code out of
+// the starts, gives a pair a second slot, checks that the table opens exactly those codes, and
+// writes the sequences' units one by one after the block's store.
 #include "codetables/codepage_blocks.h"
 
 #include <cstdint>
 
 #include "codetables/code_tables.h"
+#include "codetables/codepage_table_path.h"
 
 #if ZEL_UTF_BLOCKS
 #include <immintrin.h>
@@ -24,19 +32,32 @@ namespace {
 // which g++ 12 warns of.
 constexpr __mmask16 kAll16 = 0xFFFF;
 constexpr uint64_t kOddBits = 0xAAAAAAAAAAAAAAAAull;
+constexpr uint64_t kEvenBits = 0x5555555555555555ull;
 // Code page 932 reads 0xA0 to 0xDF as U+FF60 to U+FF9F.
 constexpr short kHalfWidthOffset = short(0xFEC0);
 
+// The bits of x below bit `at`.
+inline uint64_t Below(uint64_t x, unsigned at) { return at >= 64 ? x : x & ((uint64_t(1) << at) - 1); }
+
+// The first, third, fifth ... bit of each run of set bits.
+inline uint64_t OddPlacesOfRuns(uint64_t x) { return ((((x << 1) | kOddBits) - x) ^ kOddBits) & x; }
+
+ZEL_AVX512 inline uint64_t BytesIn(__m512i bytes, int low, int high) {
+    return _mm512_cmpge_epu8_mask(bytes, _mm512_set1_epi8(char(low))) &
+           _mm512_cmple_epu8_mask(bytes, _mm512_set1_epi8(char(high)));
+}
+
 // The units of the 32 bytes from p, one starting at each of them; leads marks the opening bytes.
-// A table read that the kernel must not make (the entry behind the last one, for the code 0xFFFF)
-// leaves its lane to be refused.
+// last marks the leads of the code 0xFFFF, whose entry is read as 32 bits with the one behind it,
+// which the table lacks: their lanes are not read. opened marks the leads whose entry is the
+// opener of 936.
 template <ZelTablePage kPage>
-ZEL_AVX512 inline __m512i UnitsOf(const BYTE* p, __mmask32 leads, const WORD* table, unsigned first,
-                                  __mmask32& refused) {
+ZEL_AVX512 inline __m512i UnitsOf(const BYTE* p, uint32_t leads, const WORD* table, unsigned first, uint32_t& last,
+                                  uint32_t& opened) {
     const __m512i b = _mm512_cvtepu8_epi16(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(p)));
     const __m512i n = _mm512_cvtepu8_epi16(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(p + 1)));
     const __m512i code = _mm512_or_si512(_mm512_slli_epi16(b, 8), n);
-    const __mmask32 last = _mm512_cmpeq_epi16_mask(code, _mm512_set1_epi16(-1)) & leads;
+    last = _mm512_cmpeq_epi16_mask(code, _mm512_set1_epi16(-1)) & leads;
     const uint32_t reads = leads & ~last;
     // The even lanes' indexes in the low halves of 32-bit lanes, the odd lanes' in the high.
     const __m512i index = _mm512_sub_epi16(code, _mm512_set1_epi16(short(first)));
@@ -45,7 +66,8 @@ ZEL_AVX512 inline __m512i UnitsOf(const BYTE* p, __mmask32 leads, const WORD* ta
                                                      _mm512_and_si512(index, _mm512_set1_epi32(0xFFFF)), table, 2);
     const __m512i odd = _mm512_mask_i32gather_epi32(zero, __mmask16(_pext_u32(reads, 0xAAAAAAAAu)),
                                                     _mm512_maskz_srli_epi32(kAll16, index, 16), table, 2);
-    const __m512i entries = _mm512_mask_blend_epi16(__mmask32(0xAAAAAAAAu), even, _mm512_maskz_slli_epi32(kAll16, odd, 16));
+    const __m512i entries =
+        _mm512_mask_blend_epi16(__mmask32(0xAAAAAAAAu), even, _mm512_maskz_slli_epi32(kAll16, odd, 16));
     __m512i single = b;
     if constexpr (kPage == ZelTablePage::Kana932) {
         const __mmask32 halfWidth = _mm512_cmpge_epu16_mask(b, _mm512_set1_epi16(0xA0)) &
@@ -53,29 +75,50 @@ ZEL_AVX512 inline __m512i UnitsOf(const BYTE* p, __mmask32 leads, const WORD* ta
         single = _mm512_mask_add_epi16(b, halfWidth, b, _mm512_set1_epi16(kHalfWidthOffset));
     }
     const __m512i units = _mm512_mask_blend_epi16(leads, single, entries);
-    refused = last;
+    opened = 0;
     if constexpr (kPage == ZelTablePage::Gb936)
-        refused |= _mm512_cmpeq_epi16_mask(units, _mm512_set1_epi16(short(kZel936OpenerMarker))) & leads;
+        opened = _mm512_cmpeq_epi16_mask(units, _mm512_set1_epi16(short(kZel936OpenerMarker))) & leads;
     return units;
 }
 
-// Writes the units of the starts below `before` and gives how many.
-ZEL_AVX512 inline unsigned Store(WCHAR* out, __m512i units, __mmask32 starts) {
-    const unsigned count = unsigned(__builtin_popcount(starts));
-    _mm512_mask_storeu_epi16(out, __mmask32((uint64_t(1) << count) - 1), _mm512_maskz_compress_epi16(starts, units));
+// Writes the units of the lanes that slots marks side by side, bar those that skip marks, and
+// gives how many slots there were.
+ZEL_AVX512 inline unsigned Store(WCHAR* out, __m512i units, uint32_t slots, uint32_t skip) {
+    const unsigned count = unsigned(__builtin_popcount(slots));
+    const uint32_t writes = uint32_t((uint64_t(1) << count) - 1) & ~_pext_u32(skip, slots);
+    _mm512_mask_storeu_epi16(out, __mmask32(writes), _mm512_maskz_compress_epi16(slots, units));
     return count;
 }
 
+// The units of the four-byte sequence at q, of the shape the kernel takes (an opener below 0xE3,
+// a third byte below 0xFF), into out[0] and, for a pair, out[1]: a place of the basic plane from
+// the direct table, a code point beyond it computed, with no branch on which of the two; anything
+// else through the one-at-a-time reading. out[1] may be written when the sequence gives one unit.
+inline void FourBytesAt(const BYTE* q, const WCHAR* unitsOfPlaces, WCHAR* out) {
+    const long value = ((long{q[0]} * 10 + q[1]) * 126 + q[2]) * 10 + q[3];
+    const long place = value - kZel936FirstFourByteValue;
+    const bool basic = place >= 0 && place < long(kZelFourByteBasicPlaneCodes);
+    const bool pair = q[0] >= 0x90;
+    if (!basic && !pair) {
+        Zel936FourBytesToUnicode(q[0], q[1], q[2], q[3], out);
+        return;
+    }
+    const long beyond = value - kZel936SupplementaryBase - 0x10000;
+    const WCHAR unit = unitsOfPlaces[basic ? place : 0];
+    out[0] = pair ? WCHAR(0xD800 + (beyond >> 10)) : unit;
+    out[1] = WCHAR(0xDC00 + (beyond & 0x3FF));
+}
+
 template <ZelTablePage kPage>
-ZEL_AVX512 void DecodeBlocks(const WORD* table, unsigned first, const BYTE*& text, const BYTE* end, WCHAR*& out) {
+ZEL_AVX512 void DecodeBlocks(const WORD* table, unsigned first, const WCHAR* unitsOfPlaces, const BYTE*& text,
+                             const BYTE* end, WCHAR*& out) {
     const BYTE* p = text;
     WCHAR* o = out;
     const __m512i firstHigh = _mm512_set1_epi8(char(first >> 8));
     const __m512i firstLow = _mm512_set1_epi8(char(first & 0xFF));
     while (end - p >= 64) {
         const __m512i bytes = _mm512_loadu_si512(p);
-        const __mmask64 high = _mm512_movepi8_mask(bytes);
-        if (!high) {
+        if (!_mm512_movepi8_mask(bytes)) {
             _mm512_storeu_si512(o, _mm512_cvtepu8_epi16(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(p))));
             _mm512_storeu_si512(o + 32,
                                 _mm512_cvtepu8_epi16(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(p + 32))));
@@ -86,26 +129,53 @@ ZEL_AVX512 void DecodeBlocks(const WORD* table, unsigned first, const BYTE*& tex
         const __m512i next = _mm512_loadu_si512(p + 1);
         uint64_t h = _mm512_cmpgt_epu8_mask(bytes, firstHigh) |
                      (_mm512_cmpeq_epi8_mask(bytes, firstHigh) & _mm512_cmpge_epu8_mask(next, firstLow));
-        if constexpr (kPage == ZelTablePage::Kana932)
-            h &= ~(_mm512_cmpge_epu8_mask(bytes, _mm512_set1_epi8(char(0xA0))) &
-                   _mm512_cmple_epu8_mask(bytes, _mm512_set1_epi8(char(0xDF))));
+        if constexpr (kPage == ZelTablePage::Kana932) h &= ~BytesIn(bytes, 0xA0, 0xDF);
         // Runs of h: every second byte from the start of a run opens a code.
         const uint64_t runs = (((h << 1) | kOddBits) - h) ^ kOddBits;
-        const uint64_t leads = runs & h;
-        const uint64_t starts = ~(runs ^ h);
-        for (int half = 0; half < 2; ++half) {
-            __mmask32 refused;
-            const __m512i units = UnitsOf<kPage>(p + 32 * half, __mmask32(leads >> 32 * half), table, first, refused);
-            __mmask32 keep = __mmask32(starts >> 32 * half);
-            if (refused) {
-                // Up to the first character left to the walk one at a time.
-                const unsigned at = unsigned(__builtin_ctz(refused));
-                o += Store(o, units, keep & __mmask32((1u << at) - 1));
-                text = p + 32 * half + at;
-                out = o;
-                return;
+        uint64_t leads = runs & h;
+        uint64_t starts = ~(runs ^ h);
+        uint64_t refused = 0;
+        uint64_t openers = 0;
+        uint64_t slots = starts;
+        if constexpr (kPage == ZelTablePage::Gb936) {
+            const uint64_t digits = BytesIn(bytes, '0', '9');
+            const uint64_t chained = leads & BytesIn(next, '0', '9');
+            openers = _pdep_u64(OddPlacesOfRuns(_pext_u64(chained, kEvenBits)), kEvenBits) |
+                      _pdep_u64(OddPlacesOfRuns(_pext_u64(chained, kOddBits)), kOddBits);
+            // The shape the kernel takes whole: a third byte from 0x81 to 0xFE, a fourth that is a
+            // digit, all four inside the block, and an opener below 0xE3, so that the sequence
+            // gives two units exactly when its opener is 0x90 or above.
+            const uint64_t third = BytesIn(bytes, 0x81, 0xFE);
+            const uint64_t shaped = (third >> 2) & (digits >> 3) & BytesIn(bytes, 0x81, 0xE2) & (~uint64_t(0) >> 4);
+            refused = openers & ~shaped;
+            starts &= ~(openers << 2) & ~(openers << 3);
+            leads &= starts;
+            slots = starts | (openers & BytesIn(bytes, 0x90, 0xFF)) << 1;
+        }
+        uint32_t last[2], opened[2];
+        const __m512i units[2] = {UnitsOf<kPage>(p, uint32_t(leads), table, first, last[0], opened[0]),
+                                  UnitsOf<kPage>(p + 32, uint32_t(leads >> 32), table, first, last[1], opened[1])};
+        refused |= last[0] | uint64_t(last[1]) << 32;
+        if constexpr (kPage == ZelTablePage::Gb936) refused |= (opened[0] | uint64_t(opened[1]) << 32) ^ openers;
+        // Up to the first character left to the walk one at a time.
+        const unsigned stop = refused ? unsigned(__builtin_ctzll(refused)) : 64;
+        slots = Below(slots, stop);
+        // The sequences' units first, then the rest around them: a unit that a sequence writes
+        // one slot too far belongs to the next slot, which its own store or the next step writes.
+        uint64_t skip = 0;
+        if constexpr (kPage == ZelTablePage::Gb936) {
+            skip = Below(openers, stop);
+            skip |= slots & ~starts;
+            for (uint64_t left = Below(openers, stop); left; left &= left - 1) {
+                const unsigned at = unsigned(__builtin_ctzll(left));
+                FourBytesAt(p + at, unitsOfPlaces, o + __builtin_popcountll(Below(slots, at)));
             }
-            o += Store(o, units, keep);
+        }
+        o += Store(o, units[0], uint32_t(slots), uint32_t(skip));
+        o += Store(o, units[1], uint32_t(slots >> 32), uint32_t(skip >> 32));
+        if (refused) {
+            p += stop;
+            break;
         }
         // A code opened by the last byte ends behind the block.
         p += 64 + (leads >> 63);
@@ -116,14 +186,14 @@ ZEL_AVX512 void DecodeBlocks(const WORD* table, unsigned first, const BYTE*& tex
 
 }  // namespace
 
-void ZelDecodeBlocks(ZelTablePage page, const WORD* mb2Uni, unsigned first, const BYTE*& text, const BYTE* end,
-                     WCHAR*& out) {
+void ZelDecodeBlocks(ZelTablePage page, const WORD* mb2Uni, unsigned first, const WCHAR* unitsOfPlaces,
+                     const BYTE*& text, const BYTE* end, WCHAR*& out) {
     switch (page) {
-    case ZelTablePage::Kana932: return DecodeBlocks<ZelTablePage::Kana932>(mb2Uni, first, text, end, out);
-    case ZelTablePage::Gb936: return DecodeBlocks<ZelTablePage::Gb936>(mb2Uni, first, text, end, out);
+    case ZelTablePage::Kana932: return DecodeBlocks<ZelTablePage::Kana932>(mb2Uni, first, nullptr, text, end, out);
+    case ZelTablePage::Gb936: return DecodeBlocks<ZelTablePage::Gb936>(mb2Uni, first, unitsOfPlaces, text, end, out);
     case ZelTablePage::Plain: break;
     }
-    DecodeBlocks<ZelTablePage::Plain>(mb2Uni, first, text, end, out);
+    DecodeBlocks<ZelTablePage::Plain>(mb2Uni, first, nullptr, text, end, out);
 }
 
 #endif  // ZEL_UTF_BLOCKS

@@ -15,13 +15,15 @@ enum class ZelTablePage { Plain, Kana932, Gb936 };
 
 #if ZEL_UTF_BLOCKS
 // The decoding kernel, called only where zel::utf::BlockLevel() is 2 or more, for a table of
-// 0x10000 - first entries with first at or above 0x8000. text lies at the start of a character;
-// the kernel moves text and out past whole blocks while 64 bytes or more are left before end, and
-// returns early at a character it leaves to the walk one at a time (a four-byte sequence of 936,
-// the pair 0xFF 0xFF). It reads text[0] to text[64] of each block, consumes at most 65 bytes a
-// block, never writes more units than it consumes bytes and writes nothing behind out.
-void ZelDecodeBlocks(ZelTablePage page, const WORD* mb2Uni, unsigned first, const BYTE*& text, const BYTE* end,
-                     WCHAR*& out);
+// 0x10000 - first entries with first at or above 0x8000; unitsOfPlaces is Zel936UnitsOfPlaces()
+// for 936. text lies at the start of a character; the kernel moves text and out past whole blocks
+// while 64 bytes or more are left before end, and returns early at a character it leaves to the
+// walk one at a time (the pair 0xFF 0xFF; for 936 a four-byte sequence at a block's end, of an
+// odd shape, or one that the table does not open as the kernel reads it). It reads text[0] to
+// text[64] of each block, consumes at most 65 bytes a block, never writes more units than it
+// consumes bytes and writes nothing behind out.
+void ZelDecodeBlocks(ZelTablePage page, const WORD* mb2Uni, unsigned first, const WCHAR* unitsOfPlaces,
+                     const BYTE*& text, const BYTE* end, WCHAR*& out);
 #endif
 
 #endif  // ZEL_CODETABLES_CODEPAGE_BLOCKS_H

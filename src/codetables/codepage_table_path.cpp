@@ -19,9 +19,6 @@ constexpr WORD kHalfWidthOffset = 0xFEC0;
 constexpr bool IsHalfWidthByte(BYTE b) { return b >= 0xA0 && b <= 0xDF; }
 constexpr bool IsHalfWidthUnit(WCHAR u) { return u >= 0xFF60 && u <= 0xFF9F; }
 
-// V of the first four-byte code, 0x81 0x30 0x81 0x30: place 0.
-constexpr long kFirstFourByteValue = 1687218;
-
 constexpr bool IsHighSurrogate(WCHAR u) { return u >= 0xD800 && u <= 0xDBFF; }
 constexpr bool IsLowSurrogate(WCHAR u) { return u >= 0xDC00 && u <= 0xDFFF; }
 constexpr bool IsSurrogate(WCHAR u) { return u >= 0xD800 && u <= 0xDFFF; }
@@ -133,7 +130,7 @@ int Decode(const ZelCodePageTables& tables, const BYTE* text, int length, WCHAR*
                 // The kernel stops at a character it leaves to the steps below, which take that
                 // one character and hand back.
                 if (blocks && end - p >= 64) {
-                    ZelDecodeBlocks(kPage, s.mb2Uni, s.first, p, end, o);
+                    ZelDecodeBlocks(kPage, s.mb2Uni, s.first, unitsOfPlaces, p, end, o);
                     if (p >= end) break;
                 }
 #endif
@@ -162,16 +159,7 @@ int Decode(const ZelCodePageTables& tables, const BYTE* text, int length, WCHAR*
                 const WORD unit = s.mb2Uni[code - s.first];
                 if constexpr (kPage == Page::Gb936) {
                     if (unit == kZel936OpenerMarker) {
-                        const long place = ((long{b} * 10 + p[1]) * 126 + p[2]) * 10 + p[3] - kFirstFourByteValue;
-                        if (place >= 0 && place < long(kZelFourByteBasicPlaneCodes)) {
-                            *o++ = unitsOfPlaces[place];
-                        } else {
-                            WCHAR units[2] = {0, 0};
-                            const int n = Zel936FourBytesToUnicode(b, p[1], p[2], p[3], units);
-                            o[0] = units[0];
-                            o[1] = units[1];
-                            o += n;
-                        }
+                        o += Zel936FourBytesAt(p, unitsOfPlaces, o);
                         p += 4;
                         continue;
                     }
