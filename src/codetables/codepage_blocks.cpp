@@ -47,46 +47,58 @@ ZEL_AVX512 inline uint64_t BytesIn(__m512i bytes, int low, int high) {
            _mm512_cmple_epu8_mask(bytes, _mm512_set1_epi8(char(high)));
 }
 
-// The units of the 32 bytes from p, one starting at each of them; leads marks the opening bytes.
-// last marks the leads of the code 0xFFFF, whose entry is read as 32 bits with the one behind it,
-// which the table lacks: their lanes are not read. opened marks the leads whose entry is the
-// opener of 936.
-template <ZelTablePage kPage>
-ZEL_AVX512 inline __m512i UnitsOf(const BYTE* p, uint32_t leads, const WORD* table, unsigned first, uint32_t& last,
-                                  uint32_t& opened) {
+// The 32 bytes from p widened to 16 bits, and the codes that each makes with the byte behind it.
+struct Half {
+    __m512i bytes;
+    __m512i codes;
+};
+
+ZEL_AVX512 inline Half HalfAt(const BYTE* p) {
     const __m512i b = _mm512_cvtepu8_epi16(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(p)));
     const __m512i n = _mm512_cvtepu8_epi16(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(p + 1)));
-    const __m512i code = _mm512_or_si512(_mm512_slli_epi16(b, 8), n);
-    last = _mm512_cmpeq_epi16_mask(code, _mm512_set1_epi16(-1)) & leads;
-    const uint32_t reads = leads & ~last;
-    // The even lanes' indexes in the low halves of 32-bit lanes, the odd lanes' in the high.
-    const __m512i index = _mm512_sub_epi16(code, _mm512_set1_epi16(short(first)));
-    const __m512i zero = _mm512_setzero_si512();
-    const __m512i even = _mm512_mask_i32gather_epi32(zero, __mmask16(_pext_u32(reads, 0x55555555u)),
-                                                     _mm512_and_si512(index, _mm512_set1_epi32(0xFFFF)), table, 2);
-    const __m512i odd = _mm512_mask_i32gather_epi32(zero, __mmask16(_pext_u32(reads, 0xAAAAAAAAu)),
-                                                    _mm512_maskz_srli_epi32(kAll16, index, 16), table, 2);
-    const __m512i entries =
-        _mm512_mask_blend_epi16(__mmask32(0xAAAAAAAAu), even, _mm512_maskz_slli_epi32(kAll16, odd, 16));
-    __m512i single = b;
-    if constexpr (kPage == ZelTablePage::Kana932) {
-        const __mmask32 halfWidth = _mm512_cmpge_epu16_mask(b, _mm512_set1_epi16(0xA0)) &
-                                    _mm512_cmple_epu16_mask(b, _mm512_set1_epi16(0xDF));
-        single = _mm512_mask_add_epi16(b, halfWidth, b, _mm512_set1_epi16(kHalfWidthOffset));
-    }
-    const __m512i units = _mm512_mask_blend_epi16(leads, single, entries);
-    opened = 0;
-    if constexpr (kPage == ZelTablePage::Gb936)
-        opened = _mm512_cmpeq_epi16_mask(units, _mm512_set1_epi16(short(kZel936OpenerMarker))) & leads;
-    return units;
+    return {b, _mm512_or_si512(_mm512_slli_epi16(b, 8), n)};
 }
 
-// Writes the units of the lanes that slots marks side by side, bar those that skip marks, and
-// gives how many slots there were.
-ZEL_AVX512 inline unsigned Store(WCHAR* out, __m512i units, uint32_t slots, uint32_t skip) {
+// The unit of a byte that stands alone.
+template <ZelTablePage kPage>
+ZEL_AVX512 inline __m512i SingleUnits(__m512i b) {
+    if constexpr (kPage != ZelTablePage::Kana932) return b;
+    const __mmask32 halfWidth =
+        _mm512_cmpge_epu16_mask(b, _mm512_set1_epi16(0xA0)) & _mm512_cmple_epu16_mask(b, _mm512_set1_epi16(0xDF));
+    return _mm512_mask_add_epi16(b, halfWidth, b, _mm512_set1_epi16(kHalfWidthOffset));
+}
+
+// The 16-bit lanes of v from lane `from` on, moved down to lane 0.
+ZEL_AVX512 inline __m512i LanesFrom(__m512i v, unsigned from) {
+    alignas(64) static constexpr short kLanes[32] = {0,  1,  2,  3,  4,  5,  6,  7,  8,  9,  10,
+                                                     11, 12, 13, 14, 15, 16, 17, 18, 19, 20, 21,
+                                                     22, 23, 24, 25, 26, 27, 28, 29, 30, 31};
+    const __m512i lanes = _mm512_add_epi16(_mm512_load_si512(kLanes), _mm512_set1_epi16(short(from)));
+    return _mm512_permutexvar_epi16(lanes, v);
+}
+
+// The table entries of up to 32 codes in 16-bit lanes, those that reads marks; the others give 0.
+// An entry is read as 32 bits, with the one behind it.
+ZEL_AVX512 inline __m512i Entries(const WORD* table, __m512i indexes, uint32_t reads) {
+    // The even lanes' indexes in the low halves of 32-bit lanes, the odd lanes' in the high.
+    const __m512i zero = _mm512_setzero_si512();
+    const __m512i even = _mm512_mask_i32gather_epi32(zero, __mmask16(_pext_u32(reads, 0x55555555u)),
+                                                     _mm512_and_si512(indexes, _mm512_set1_epi32(0xFFFF)), table, 2);
+    const __m512i odd = _mm512_mask_i32gather_epi32(zero, __mmask16(_pext_u32(reads, 0xAAAAAAAAu)),
+                                                    _mm512_maskz_srli_epi32(kAll16, indexes, 16), table, 2);
+    return _mm512_mask_blend_epi16(__mmask32(0xAAAAAAAAu), even, _mm512_maskz_slli_epi32(kAll16, odd, 16));
+}
+
+// Writes the units of the slots side by side, the lead units that entries holds in order at the
+// slots of leads and the single units at the others, bar the slots that skip marks; gives how
+// many slots there were.
+ZEL_AVX512 inline unsigned Store(WCHAR* out, __m512i singles, __m512i entries, uint32_t slots, uint32_t leads,
+                                 uint32_t skip) {
     const unsigned count = unsigned(__builtin_popcount(slots));
     const uint32_t writes = uint32_t((uint64_t(1) << count) - 1) & ~_pext_u32(skip, slots);
-    _mm512_mask_storeu_epi16(out, __mmask32(writes), _mm512_maskz_compress_epi16(slots, units));
+    const __m512i units =
+        _mm512_mask_expand_epi16(_mm512_maskz_compress_epi16(slots, singles), _pext_u32(leads, slots), entries);
+    _mm512_mask_storeu_epi16(out, __mmask32(writes), units);
     return count;
 }
 
@@ -152,11 +164,31 @@ ZEL_AVX512 void DecodeBlocks(const WORD* table, unsigned first, const WCHAR* uni
             leads &= starts;
             slots = starts | (openers & BytesIn(bytes, 0x90, 0xFF)) << 1;
         }
-        uint32_t last[2], opened[2];
-        const __m512i units[2] = {UnitsOf<kPage>(p, uint32_t(leads), table, first, last[0], opened[0]),
-                                  UnitsOf<kPage>(p + 32, uint32_t(leads >> 32), table, first, last[1], opened[1])};
-        refused |= last[0] | uint64_t(last[1]) << 32;
-        if constexpr (kPage == ZelTablePage::Gb936) refused |= (opened[0] | uint64_t(opened[1]) << 32) ^ openers;
+        // At most 32 leads in 64 bytes: their indexes side by side in one register, the codes
+        // 0xFFFF left out of the reads.
+        const Half halves[2] = {HalfAt(p), HalfAt(p + 32)};
+        const uint32_t leadsOf[2] = {uint32_t(leads), uint32_t(leads >> 32)};
+        const unsigned firstLeads = unsigned(__builtin_popcount(leadsOf[0]));
+        const unsigned allLeads = firstLeads + unsigned(__builtin_popcount(leadsOf[1]));
+        uint32_t last = 0;
+        __m512i indexes[2];
+        for (int half = 0; half < 2; ++half) {
+            const __m512i codes = halves[half].codes;
+            const uint32_t lastHere = _mm512_cmpeq_epi16_mask(codes, _mm512_set1_epi16(-1)) & leadsOf[half];
+            refused |= uint64_t(lastHere) << 32 * half;
+            last |= _pext_u32(lastHere, leadsOf[half]) << (half ? firstLeads : 0);
+            indexes[half] = _mm512_maskz_compress_epi16(
+                leadsOf[half], _mm512_sub_epi16(codes, _mm512_set1_epi16(short(first))));
+        }
+        const __m512i all = _mm512_mask_expand_epi16(indexes[0], __mmask32(~((uint64_t(1) << firstLeads) - 1)),
+                                                     indexes[1]);
+        const uint32_t read = uint32_t((uint64_t(1) << allLeads) - 1);
+        const __m512i entries = Entries(table, all, read & ~last);
+        if constexpr (kPage == ZelTablePage::Gb936) {
+            const uint32_t opened =
+                _mm512_cmpeq_epi16_mask(entries, _mm512_set1_epi16(short(kZel936OpenerMarker))) & read;
+            refused |= (_pdep_u64(opened, leads) ^ openers) & leads;
+        }
         // Up to the first character left to the walk one at a time.
         const unsigned stop = refused ? unsigned(__builtin_ctzll(refused)) : 64;
         slots = Below(slots, stop);
@@ -171,8 +203,9 @@ ZEL_AVX512 void DecodeBlocks(const WORD* table, unsigned first, const WCHAR* uni
                 FourBytesAt(p + at, unitsOfPlaces, o + __builtin_popcountll(Below(slots, at)));
             }
         }
-        o += Store(o, units[0], uint32_t(slots), uint32_t(skip));
-        o += Store(o, units[1], uint32_t(slots >> 32), uint32_t(skip >> 32));
+        o += Store(o, SingleUnits<kPage>(halves[0].bytes), entries, uint32_t(slots), leadsOf[0], uint32_t(skip));
+        o += Store(o, SingleUnits<kPage>(halves[1].bytes), LanesFrom(entries, firstLeads), uint32_t(slots >> 32),
+                   leadsOf[1], uint32_t(skip >> 32));
         if (refused) {
             p += stop;
             break;
