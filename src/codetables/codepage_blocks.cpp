@@ -147,6 +147,7 @@ ZEL_AVX512 void DecodeBlocks(const WORD* table, unsigned first, const WCHAR* uni
         uint64_t leads = runs & h;
         uint64_t starts = ~(runs ^ h);
         uint64_t refused = 0;
+        uint64_t cut = 0;
         uint64_t openers = 0;
         uint64_t slots = starts;
         if constexpr (kPage == ZelTablePage::Gb936) {
@@ -154,12 +155,15 @@ ZEL_AVX512 void DecodeBlocks(const WORD* table, unsigned first, const WCHAR* uni
             const uint64_t chained = leads & BytesIn(next, '0', '9');
             openers = _pdep_u64(OddPlacesOfRuns(_pext_u64(chained, kEvenBits)), kEvenBits) |
                       _pdep_u64(OddPlacesOfRuns(_pext_u64(chained, kOddBits)), kOddBits);
-            // The shape the kernel takes whole: a third byte from 0x81 to 0xFE, a fourth that is a
-            // digit, all four inside the block, and an opener below 0xE3, so that the sequence
-            // gives two units exactly when its opener is 0x90 or above.
+            // A sequence that the block cuts ends the block before it; the next block starts
+            // there. The shape the kernel takes whole: a third byte from 0x81 to 0xFE, a fourth
+            // that is a digit, and an opener below 0xE3, so that the sequence gives two units
+            // exactly when its opener is 0x90 or above.
+            constexpr uint64_t kWhole = ~uint64_t(0) >> 4;
+            cut = openers & ~kWhole;
             const uint64_t third = BytesIn(bytes, 0x81, 0xFE);
-            const uint64_t shaped = (third >> 2) & (digits >> 3) & BytesIn(bytes, 0x81, 0xE2) & (~uint64_t(0) >> 4);
-            refused = openers & ~shaped;
+            const uint64_t shaped = (third >> 2) & (digits >> 3) & BytesIn(bytes, 0x81, 0xE2);
+            refused = openers & ~shaped & kWhole;
             starts &= ~(openers << 2) & ~(openers << 3);
             leads &= starts;
             slots = starts | (openers & BytesIn(bytes, 0x90, 0xFF)) << 1;
@@ -189,8 +193,8 @@ ZEL_AVX512 void DecodeBlocks(const WORD* table, unsigned first, const WCHAR* uni
                 _mm512_cmpeq_epi16_mask(entries, _mm512_set1_epi16(short(kZel936OpenerMarker))) & read;
             refused |= (_pdep_u64(opened, leads) ^ openers) & leads;
         }
-        // Up to the first character left to the walk one at a time.
-        const unsigned stop = refused ? unsigned(__builtin_ctzll(refused)) : 64;
+        // Up to the first character left to the walk one at a time, or to the cut.
+        const unsigned stop = refused | cut ? unsigned(__builtin_ctzll(refused | cut)) : 64;
         slots = Below(slots, stop);
         // The sequences' units first, then the rest around them: a unit that a sequence writes
         // one slot too far belongs to the next slot, which its own store or the next step writes.
@@ -206,9 +210,10 @@ ZEL_AVX512 void DecodeBlocks(const WORD* table, unsigned first, const WCHAR* uni
         o += Store(o, SingleUnits<kPage>(halves[0].bytes), entries, uint32_t(slots), leadsOf[0], uint32_t(skip));
         o += Store(o, SingleUnits<kPage>(halves[1].bytes), LanesFrom(entries, firstLeads), uint32_t(slots >> 32),
                    leadsOf[1], uint32_t(skip >> 32));
-        if (refused) {
+        if (refused | cut) {
             p += stop;
-            break;
+            if (refused >> stop & 1) break;
+            continue;
         }
         // A code opened by the last byte ends behind the block.
         p += 64 + (leads >> 63);
