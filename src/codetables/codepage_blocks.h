@@ -24,6 +24,15 @@ enum class ZelTablePage { Plain, Kana932, Gb936 };
 // consumes bytes and writes nothing behind out.
 void ZelDecodeBlocks(ZelTablePage page, const WORD* mb2Uni, unsigned first, const WCHAR* unitsOfPlaces,
                      const BYTE*& text, const BYTE* end, WCHAR*& out);
+
+// The encoding kernel, on the same terms, for a table of 65536 entries; fourByteCodes is
+// Zel936FourByteCodes() for 936. It moves text and out past whole blocks of 32 units while 32 or
+// more are left before end, and returns early at a unit it leaves to the walk one at a time (the
+// unit 0xFFFF; for 936 a unit whose code is the marker without a four-byte form, among them the
+// halves of pairs). The room from out to outEnd must hold two bytes for every unit before end, and
+// still does when the kernel returns.
+void ZelEncodeBlocks(ZelTablePage page, const WORD* uni2Mb, const DWORD* fourByteCodes, const WCHAR*& text,
+                     const WCHAR* end, BYTE*& out, const BYTE* outEnd);
 #endif
 
 #endif  // ZEL_CODETABLES_CODEPAGE_BLOCKS_H

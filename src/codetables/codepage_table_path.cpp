@@ -258,6 +258,7 @@ int Encode(const ZelCodePageTables& tables, const WCHAR* text, int length, BYTE*
     if (!uni2Mb) return EncodeOneByOne<kPage>(tables, text, length, buffer, size);
     [[maybe_unused]] const DWORD* fourByteCodes = nullptr;
     if constexpr (kPage == Page::Gb936) fourByteCodes = Zel936FourByteCodes();
+    [[maybe_unused]] const bool blocks = zel::utf::BlockLevel() >= 2;
     const int limit = size - 1;
     int in = 0;
     int out = 0;
@@ -268,6 +269,13 @@ int Encode(const ZelCodePageTables& tables, const WCHAR* text, int length, BYTE*
             const WCHAR* const end = p + span;
             BYTE* o = buffer + out;
             while (p < end) {
+#if ZEL_UTF_BLOCKS
+                // As in the decoder: the kernel hands back at a unit for the steps below.
+                if (blocks && end - p >= 32) {
+                    ZelEncodeBlocks(kPage, uni2Mb, fourByteCodes, p, end, o, buffer + limit);
+                    if (p >= end) break;
+                }
+#endif
                 const WCHAR u = *p;
                 unsigned v = uni2Mb[u];
                 if constexpr (kPage == Page::Kana932) v = IsHalfWidthUnit(u) ? unsigned(u - kHalfWidthOffset) : v;

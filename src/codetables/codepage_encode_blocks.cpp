@@ -1,0 +1,172 @@
+// The block kernel of the table path's encoder, in AVX-512: 32 units at a time. Each unit's code
+// comes from one table entry, gathered sixteen at a time (the ASCII units and the half-width
+// Katakana of 932 need none); a code gives its high byte when it has one, then its low byte, and a
+// byte compress packs the bytes of the block. Code page 936 writes a unit with a four-byte form
+// as the four bytes of its direct table, so its units take a 32-bit lane each; the halves of a
+// pair, and the marker without a four-byte form, stay with the walk one at a time.
+#include <cstdint>
+
+#include "codetables/code_tables.h"
+#include "codetables/codepage_blocks.h"
+
+#if ZEL_UTF_BLOCKS
+#include <immintrin.h>
+
+namespace {
+
+#define ZEL_AVX512 __attribute__((target("avx2,popcnt,bmi,bmi2,avx512f,avx512bw,avx512vbmi,avx512vbmi2")))
+
+// The 32-bit shifts go through their masked forms: the plain ones start from an undefined value,
+// which g++ 12 warns of.
+constexpr __mmask16 kAll16 = 0xFFFF;
+constexpr uint32_t kEven32 = 0x55555555u;
+constexpr uint32_t kOdd32 = 0xAAAAAAAAu;
+
+// The 16-bit entries of table at the 16-bit indexes of lanes that reads marks, others 0. Each
+// entry is read as 32 bits with the one behind it.
+ZEL_AVX512 inline __m512i Entries16(const WORD* table, __m512i indexes, uint32_t reads) {
+    const __m512i zero = _mm512_setzero_si512();
+    const __m512i even = _mm512_mask_i32gather_epi32(zero, __mmask16(_pext_u32(reads, kEven32)),
+                                                     _mm512_and_si512(indexes, _mm512_set1_epi32(0xFFFF)), table, 2);
+    const __m512i odd = _mm512_mask_i32gather_epi32(zero, __mmask16(_pext_u32(reads, kOdd32)),
+                                                    _mm512_maskz_srli_epi32(kAll16, indexes, 16), table, 2);
+    return _mm512_mask_blend_epi16(__mmask32(kOdd32), even, _mm512_maskz_slli_epi32(kAll16, odd, 16));
+}
+
+// Writes the bytes of `bytes` that keep marks, side by side; gives how many.
+ZEL_AVX512 inline unsigned StoreBytes(BYTE* out, __m512i bytes, uint64_t keep) {
+    const unsigned count = unsigned(__builtin_popcountll(keep));
+    _mm512_mask_storeu_epi8(out, __mmask64(count >= 64 ? ~uint64_t(0) : (uint64_t(1) << count) - 1),
+                            _mm512_maskz_compress_epi8(keep, bytes));
+    return count;
+}
+
+// The codes of 32 units (the unit itself below 0x80), and which lanes may not be taken: the unit
+// 0xFFFF, whose entry the table ends with.
+template <ZelTablePage kPage>
+ZEL_AVX512 inline __m512i CodesOf(const WORD* table, __m512i units, uint32_t& refused) {
+    const uint32_t ascii = _mm512_cmple_epu16_mask(units, _mm512_set1_epi16(0x7F));
+    const uint32_t last = _mm512_cmpeq_epi16_mask(units, _mm512_set1_epi16(-1));
+    uint32_t reads = ~ascii & ~last;
+    __m512i codes = units;
+    if constexpr (kPage == ZelTablePage::Kana932) {
+        // U+FF60 to U+FF9F are the single bytes 0xA0 to 0xDF.
+        const uint32_t halfWidth = _mm512_cmpge_epu16_mask(units, _mm512_set1_epi16(short(0xFF60))) &
+                                   _mm512_cmple_epu16_mask(units, _mm512_set1_epi16(short(0xFF9F)));
+        codes = _mm512_mask_sub_epi16(units, halfWidth, units, _mm512_set1_epi16(short(0xFEC0)));
+        reads &= ~halfWidth;
+    }
+    refused = last;
+    return _mm512_mask_mov_epi16(codes, reads, Entries16(table, units, reads));
+}
+
+// The bytes of 32 codes of one or two bytes, two byte lanes each, and which of them are kept.
+ZEL_AVX512 inline __m512i BytesOf(__m512i codes, uint64_t& keep) {
+    const uint32_t two = _mm512_cmpgt_epu16_mask(codes, _mm512_set1_epi16(0xFF));
+    keep = _pdep_u64(two, 0xAAAAAAAAAAAAAAAAull) | 0x5555555555555555ull;
+    // The high byte first where there is one: the code turned about, its high byte in the low lane.
+    const __m512i turned = _mm512_shldi_epi16(codes, codes, 8);
+    return _mm512_mask_mov_epi16(codes, two, turned);
+}
+
+template <ZelTablePage kPage>
+ZEL_AVX512 void EncodeBlocks(const WORD* table, const WCHAR*& text, const WCHAR* end, BYTE*& out) {
+    const WCHAR* p = text;
+    BYTE* o = out;
+    while (end - p >= 32) {
+        const __m512i units = _mm512_loadu_si512(p);
+        uint32_t refused;
+        const __m512i codes = CodesOf<kPage>(table, units, refused);
+        uint64_t keep;
+        const __m512i bytes = BytesOf(codes, keep);
+        const unsigned stop = refused ? unsigned(__builtin_ctz(refused)) : 32;
+        if (stop < 32) keep &= (uint64_t(1) << 2 * stop) - 1;
+        o += StoreBytes(o, bytes, keep);
+        p += stop;
+        if (stop < 32) break;
+    }
+    text = p;
+    out = o;
+}
+
+// Code page 936. A lane of 32 bits a unit: the code's one or two bytes, or the four bytes of the
+// direct table where the code is the marker and the unit has a four-byte form.
+ZEL_AVX512 void Encode936Blocks(const WORD* table, const DWORD* fourByteCodes, const WCHAR*& text,
+                                const WCHAR* end, BYTE*& out, const BYTE* outEnd) {
+    const WCHAR* p = text;
+    BYTE* o = out;
+    alignas(64) static constexpr int kLow[16] = {0, 16, 1, 17, 2, 18, 3, 19, 4, 20, 5, 21, 6, 22, 7, 23};
+    alignas(64) static constexpr int kHigh[16] = {8, 24, 9, 25, 10, 26, 11, 27, 12, 28, 13, 29, 14, 30, 15, 31};
+    while (end - p >= 32) {
+        const __m512i units = _mm512_loadu_si512(p);
+        uint32_t refused;
+        const __m512i codes = CodesOf<ZelTablePage::Gb936>(table, units, refused);
+        const uint32_t marked =
+            _mm512_cmpeq_epi16_mask(codes, _mm512_set1_epi16(short(kZel936FourByteMarker))) & ~refused;
+        const uint32_t two = _mm512_cmpgt_epu16_mask(codes, _mm512_set1_epi16(0xFF));
+        // Each code turned about where it has two bytes, in 32-bit lanes: even units, odd units.
+        const __m512i turned = _mm512_mask_mov_epi16(codes, two, _mm512_shldi_epi16(codes, codes, 8));
+        __m512i even = _mm512_and_si512(turned, _mm512_set1_epi32(0xFFFF));
+        __m512i odd = _mm512_maskz_srli_epi32(kAll16, turned, 16);
+        uint32_t four = 0;
+        if (marked) {
+            const __m512i zero = _mm512_setzero_si512();
+            const __m512i fourEven =
+                _mm512_mask_i32gather_epi32(zero, __mmask16(_pext_u32(marked, kEven32)),
+                                            _mm512_and_si512(units, _mm512_set1_epi32(0xFFFF)), fourByteCodes, 4);
+            const __m512i fourOdd =
+                _mm512_mask_i32gather_epi32(zero, __mmask16(_pext_u32(marked, kOdd32)),
+                                            _mm512_maskz_srli_epi32(kAll16, units, 16), fourByteCodes, 4);
+            const uint32_t fourEvenLanes = _mm512_test_epi32_mask(fourEven, fourEven);
+            const uint32_t fourOddLanes = _mm512_test_epi32_mask(fourOdd, fourOdd);
+            even = _mm512_mask_mov_epi32(even, __mmask16(fourEvenLanes), fourEven);
+            odd = _mm512_mask_mov_epi32(odd, __mmask16(fourOddLanes), fourOdd);
+            four = _pdep_u32(fourEvenLanes, kEven32) | _pdep_u32(fourOddLanes, kOdd32);
+            // The marker without a four-byte form: a half of a pair or a lone one.
+            refused |= marked & ~four;
+        }
+        const unsigned stop = refused ? unsigned(__builtin_ctz(refused)) : 32;
+        const uint32_t taken = stop < 32 ? (1u << stop) - 1 : ~0u;
+        // Lengths 1, 2 or 4: the kept bytes of each 32-bit lane, lane order restored.
+        const uint32_t second = (two | four) & taken;
+        const uint32_t third = four & taken;
+        const __m512i lanes[2] = {_mm512_permutex2var_epi32(even, _mm512_load_si512(kLow), odd),
+                                  _mm512_permutex2var_epi32(even, _mm512_load_si512(kHigh), odd)};
+        unsigned length = 0;
+        for (int half = 0; half < 2; ++half) {
+            const uint32_t t = (taken >> 16 * half) & 0xFFFF, s = (second >> 16 * half) & 0xFFFF,
+                           f = (third >> 16 * half) & 0xFFFF;
+            const uint64_t keep = _pdep_u64(t, 0x1111111111111111ull) | _pdep_u64(s, 0x2222222222222222ull) |
+                                  _pdep_u64(f, 0x4444444444444444ull) | _pdep_u64(f, 0x8888888888888888ull);
+            length += unsigned(__builtin_popcountll(keep));
+        }
+        // Four bytes for one unit can outgrow the room that the walk keeps: two bytes for every
+        // unit left. Such a block goes to the walk.
+        if ((outEnd - o) - long(length) < 2 * ((end - p) - long(stop))) break;
+        for (int half = 0; half < 2; ++half) {
+            const uint32_t t = (taken >> 16 * half) & 0xFFFF, s = (second >> 16 * half) & 0xFFFF,
+                           f = (third >> 16 * half) & 0xFFFF;
+            const uint64_t keep = _pdep_u64(t, 0x1111111111111111ull) | _pdep_u64(s, 0x2222222222222222ull) |
+                                  _pdep_u64(f, 0x4444444444444444ull) | _pdep_u64(f, 0x8888888888888888ull);
+            o += StoreBytes(o, lanes[half], keep);
+        }
+        p += stop;
+        if (stop < 32) break;
+    }
+    text = p;
+    out = o;
+}
+
+}  // namespace
+
+void ZelEncodeBlocks(ZelTablePage page, const WORD* uni2Mb, const DWORD* fourByteCodes, const WCHAR*& text,
+                     const WCHAR* end, BYTE*& out, const BYTE* outEnd) {
+    switch (page) {
+    case ZelTablePage::Kana932: return EncodeBlocks<ZelTablePage::Kana932>(uni2Mb, text, end, out);
+    case ZelTablePage::Gb936: return Encode936Blocks(uni2Mb, fourByteCodes, text, end, out, outEnd);
+    case ZelTablePage::Plain: break;
+    }
+    EncodeBlocks<ZelTablePage::Plain>(uni2Mb, text, end, out);
+}
+
+#endif  // ZEL_UTF_BLOCKS
