@@ -194,7 +194,9 @@ ZEL_AVX512 void DecodeBlocks(const WORD* table, unsigned first, const WCHAR* uni
             refused |= (_pdep_u64(opened, leads) ^ openers) & leads;
         }
         // Up to the first character left to the walk one at a time, or to the cut.
-        const unsigned stop = refused | cut ? unsigned(__builtin_ctzll(refused | cut)) : 64;
+        const unsigned cutAt = cut ? unsigned(__builtin_ctzll(cut)) : 64;
+        const unsigned refusedAt = refused ? unsigned(__builtin_ctzll(refused)) : 64;
+        const unsigned stop = refusedAt < cutAt ? refusedAt : cutAt;
         slots = Below(slots, stop);
         // The sequences' units first, then the rest around them: a unit that a sequence writes
         // one slot too far belongs to the next slot, which its own store or the next step writes.
@@ -210,9 +212,13 @@ ZEL_AVX512 void DecodeBlocks(const WORD* table, unsigned first, const WCHAR* uni
         o += Store(o, SingleUnits<kPage>(halves[0].bytes), entries, uint32_t(slots), leadsOf[0], uint32_t(skip));
         o += Store(o, SingleUnits<kPage>(halves[1].bytes), LanesFrom(entries, firstLeads), uint32_t(slots >> 32),
                    leadsOf[1], uint32_t(skip >> 32));
-        if (refused | cut) {
-            p += stop;
-            if (refused >> stop & 1) break;
+        // The next block's start depends on the bytes alone, not on this block's gathers.
+        if (refusedAt < cutAt) {
+            p += refusedAt;
+            break;
+        }
+        if (cut) {
+            p += cutAt;
             continue;
         }
         // A code opened by the last byte ends behind the block.

@@ -2,12 +2,13 @@
 // comes from one table entry, gathered sixteen at a time (the ASCII units and the half-width
 // Katakana of 932 need none); a code gives its high byte when it has one, then its low byte, and a
 // byte compress packs the bytes of the block. Code page 936 writes a unit with a four-byte form
-// as the four bytes of its direct table, so its units take a 32-bit lane each; the halves of a
-// pair, and the marker without a four-byte form, stay with the walk one at a time.
+// as the four bytes of its direct table and a pair as the four bytes of its code point, so its
+// units take a 32-bit lane each.
 #include <cstdint>
 
 #include "codetables/code_tables.h"
 #include "codetables/codepage_blocks.h"
+#include "codetables/codepage_table_path.h"
 
 #if ZEL_UTF_BLOCKS
 #include <immintrin.h>
@@ -89,6 +90,14 @@ ZEL_AVX512 void EncodeBlocks(const WORD* table, const WCHAR*& text, const WCHAR*
     out = o;
 }
 
+// The four bytes of a pair in 936, the first in the lowest byte.
+DWORD PairCode(WCHAR high, WCHAR low) {
+    const DWORD codePoint = 0x10000 + ((DWORD(high) - 0xD800) << 10) + (DWORD(low) - 0xDC00);
+    BYTE bytes[4];
+    Zel936FourBytesOfPlace(DWORD(Zel936SupplementaryPlaceOf(codePoint)), bytes);
+    return DWORD(bytes[0]) | DWORD(bytes[1]) << 8 | DWORD(bytes[2]) << 16 | DWORD(bytes[3]) << 24;
+}
+
 // Code page 936. A lane of 32 bits a unit: the code's one or two bytes, or the four bytes of the
 // direct table where the code is the marker and the unit has a four-byte form.
 ZEL_AVX512 void Encode936Blocks(const WORD* table, const DWORD* fourByteCodes, const WCHAR*& text,
@@ -108,50 +117,58 @@ ZEL_AVX512 void Encode936Blocks(const WORD* table, const DWORD* fourByteCodes, c
         const __m512i turned = _mm512_mask_mov_epi16(codes, two, _mm512_shldi_epi16(codes, codes, 8));
         __m512i even = _mm512_and_si512(turned, _mm512_set1_epi32(0xFFFF));
         __m512i odd = _mm512_maskz_srli_epi32(kAll16, turned, 16);
-        uint32_t four = 0;
-        if (marked) {
-            const __m512i zero = _mm512_setzero_si512();
-            const __m512i fourEven =
-                _mm512_mask_i32gather_epi32(zero, __mmask16(_pext_u32(marked, kEven32)),
-                                            _mm512_and_si512(units, _mm512_set1_epi32(0xFFFF)), fourByteCodes, 4);
-            const __m512i fourOdd =
-                _mm512_mask_i32gather_epi32(zero, __mmask16(_pext_u32(marked, kOdd32)),
-                                            _mm512_maskz_srli_epi32(kAll16, units, 16), fourByteCodes, 4);
-            const uint32_t fourEvenLanes = _mm512_test_epi32_mask(fourEven, fourEven);
-            const uint32_t fourOddLanes = _mm512_test_epi32_mask(fourOdd, fourOdd);
-            even = _mm512_mask_mov_epi32(even, __mmask16(fourEvenLanes), fourEven);
-            odd = _mm512_mask_mov_epi32(odd, __mmask16(fourOddLanes), fourOdd);
-            four = _pdep_u32(fourEvenLanes, kEven32) | _pdep_u32(fourOddLanes, kOdd32);
-            // The marker without a four-byte form: a half of a pair or a lone one.
-            refused |= marked & ~four;
+        // The units with a four-byte form: their codes gathered from the direct table.
+        const __m512i zero = _mm512_setzero_si512();
+        const __m512i fourEven =
+            _mm512_mask_i32gather_epi32(zero, __mmask16(_pext_u32(marked, kEven32)),
+                                        _mm512_and_si512(units, _mm512_set1_epi32(0xFFFF)), fourByteCodes, 4);
+        const __m512i fourOdd =
+            _mm512_mask_i32gather_epi32(zero, __mmask16(_pext_u32(marked, kOdd32)),
+                                        _mm512_maskz_srli_epi32(kAll16, units, 16), fourByteCodes, 4);
+        const uint32_t fourEvenLanes = _mm512_test_epi32_mask(fourEven, fourEven);
+        const uint32_t fourOddLanes = _mm512_test_epi32_mask(fourOdd, fourOdd);
+        even = _mm512_mask_mov_epi32(even, __mmask16(fourEvenLanes), fourEven);
+        odd = _mm512_mask_mov_epi32(odd, __mmask16(fourOddLanes), fourOdd);
+        uint32_t four = _pdep_u32(fourEvenLanes, kEven32) | _pdep_u32(fourOddLanes, kOdd32);
+        // Where the block ends depends on the units alone, so that the next block's loads need not
+        // wait for this one's gathers.
+        const uint32_t high = _mm512_cmpge_epu16_mask(units, _mm512_set1_epi16(short(0xD800))) &
+                              _mm512_cmple_epu16_mask(units, _mm512_set1_epi16(short(0xDBFF)));
+        const uint32_t low = _mm512_cmpge_epu16_mask(units, _mm512_set1_epi16(short(0xDC00))) &
+                             _mm512_cmple_epu16_mask(units, _mm512_set1_epi16(short(0xDFFF)));
+        const uint32_t cut = high >> 31;
+        const uint32_t pairs = high & marked & (low >> 1);
+        uint32_t left = pairs & (refused ? (1u << __builtin_ctz(refused)) - 1 : ~0u);
+        for (; left; left &= left - 1) {
+            const unsigned lane = unsigned(__builtin_ctz(left));
+            const int code = int(PairCode(p[lane], p[lane + 1]));
+            if (lane & 1) odd = _mm512_mask_set1_epi32(odd, __mmask16(1u << lane / 2), code);
+            else even = _mm512_mask_set1_epi32(even, __mmask16(1u << lane / 2), code);
         }
-        const unsigned stop = refused ? unsigned(__builtin_ctz(refused)) : 32;
-        const uint32_t taken = stop < 32 ? (1u << stop) - 1 : ~0u;
+        four |= pairs;
+        const uint32_t stopAt = refused | cut << 31;
+        const unsigned stop = stopAt ? unsigned(__builtin_ctz(stopAt)) : 32;
+        const uint32_t taken = (stop < 32 ? (1u << stop) - 1 : ~0u) & ~(pairs << 1);
         // Lengths 1, 2 or 4: the kept bytes of each 32-bit lane, lane order restored.
         const uint32_t second = (two | four) & taken;
         const uint32_t third = four & taken;
         const __m512i lanes[2] = {_mm512_permutex2var_epi32(even, _mm512_load_si512(kLow), odd),
                                   _mm512_permutex2var_epi32(even, _mm512_load_si512(kHigh), odd)};
-        unsigned length = 0;
+        uint64_t keep[2];
         for (int half = 0; half < 2; ++half) {
-            const uint32_t t = (taken >> 16 * half) & 0xFFFF, s = (second >> 16 * half) & 0xFFFF,
-                           f = (third >> 16 * half) & 0xFFFF;
-            const uint64_t keep = _pdep_u64(t, 0x1111111111111111ull) | _pdep_u64(s, 0x2222222222222222ull) |
-                                  _pdep_u64(f, 0x4444444444444444ull) | _pdep_u64(f, 0x8888888888888888ull);
-            length += unsigned(__builtin_popcountll(keep));
+            const uint32_t t = taken >> 16 * half & 0xFFFF, s = second >> 16 * half & 0xFFFF,
+                           f = third >> 16 * half & 0xFFFF;
+            keep[half] = _pdep_u64(t, 0x1111111111111111ull) | _pdep_u64(s, 0x2222222222222222ull) |
+                         _pdep_u64(f, 0x4444444444444444ull) | _pdep_u64(f, 0x8888888888888888ull);
         }
+        const long length = __builtin_popcountll(keep[0]) + __builtin_popcountll(keep[1]);
         // Four bytes for one unit can outgrow the room that the walk keeps: two bytes for every
         // unit left. Such a block goes to the walk.
-        if ((outEnd - o) - long(length) < 2 * ((end - p) - long(stop))) break;
-        for (int half = 0; half < 2; ++half) {
-            const uint32_t t = (taken >> 16 * half) & 0xFFFF, s = (second >> 16 * half) & 0xFFFF,
-                           f = (third >> 16 * half) & 0xFFFF;
-            const uint64_t keep = _pdep_u64(t, 0x1111111111111111ull) | _pdep_u64(s, 0x2222222222222222ull) |
-                                  _pdep_u64(f, 0x4444444444444444ull) | _pdep_u64(f, 0x8888888888888888ull);
-            o += StoreBytes(o, lanes[half], keep);
-        }
+        if ((outEnd - o) - length < 2 * ((end - p) - long(stop))) break;
+        o += StoreBytes(o, lanes[0], keep[0]);
+        o += StoreBytes(o, lanes[1], keep[1]);
         p += stop;
-        if (stop < 32) break;
+        if (refused) break;
     }
     text = p;
     out = o;
