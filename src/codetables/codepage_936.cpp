@@ -9,8 +9,6 @@ namespace {
 
 // V of the first four-byte code beyond the basic plane, 0x90 0x30 0x81 0x30.
 constexpr long kFirstSupplementaryValue = 1876218;
-// Place L of a code point beyond the basic plane is its number + kSupplementaryPlaceOffset.
-constexpr long kSupplementaryPlaceOffset = 123464;
 
 constexpr long kLastCodePoint = 0x10FFFF;
 
@@ -110,4 +108,4 @@ long Zel936FourBytePlaceOf(WCHAR u) {
 
 DWORD Zel936FourByteCode(WCHAR u) { return Zel936FourByteCodes()[u]; }
 
-long Zel936SupplementaryPlaceOf(DWORD codePoint) { return long(codePoint) + kSupplementaryPlaceOffset; }
+long Zel936SupplementaryPlaceOf(DWORD codePoint) { return long(codePoint) + kZel936PairPlaceOffset; }

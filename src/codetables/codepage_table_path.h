@@ -67,7 +67,8 @@ DWORD Zel936FourByteCode(WCHAR u);
 // kZelFourByteBasicPlaneCodes.
 const DWORD* Zel936FourByteCodes();
 const WCHAR* Zel936UnitsOfPlaces();
-// The place of a code point beyond the basic plane.
+// The place of a code point beyond the basic plane: the code point + kZel936PairPlaceOffset.
+constexpr long kZel936PairPlaceOffset = 123464;
 long Zel936SupplementaryPlaceOf(DWORD codePoint);
 
 #endif  // ZEL_CODETABLES_CODEPAGE_TABLE_PATH_H

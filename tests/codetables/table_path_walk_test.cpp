@@ -248,7 +248,7 @@ std::u16string RandomCharacters(std::mt19937& random, size_t units) {
         } else if (pick < 36) {
             text += char16_t(0xFF50 + random() % 0x60);
         } else if (pick == 36) {
-            text += char16_t(0xD840 + random() % 0x40);
+            text += char16_t(0xD800 + random() % 0x400);
             text += char16_t(0xDC00 + random() % 0x400);
         } else if (pick == 37) {
             text += char16_t(0xD800 + random() % 0x800);
