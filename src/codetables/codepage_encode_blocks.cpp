@@ -106,6 +106,9 @@ ZEL_AVX512 void Encode936Blocks(const WORD* table, const DWORD* fourByteCodes, c
     BYTE* o = out;
     alignas(64) static constexpr int kLow[16] = {0, 16, 1, 17, 2, 18, 3, 19, 4, 20, 5, 21, 6, 22, 7, 23};
     alignas(64) static constexpr int kHigh[16] = {8, 24, 9, 25, 10, 26, 11, 27, 12, 28, 13, 29, 14, 30, 15, 31};
+    // 16-bit lane k to the low half of 32-bit lane k.
+    alignas(64) static constexpr short kToQuarters[32] = {0, 0, 1, 0, 2,  0, 3,  0, 4,  0, 5,  0, 6,  0, 7,  0,
+                                                          8, 0, 9, 0, 10, 0, 11, 0, 12, 0, 13, 0, 14, 0, 15, 0};
     while (end - p >= 32) {
         const __m512i units = _mm512_loadu_si512(p);
         uint32_t refused;
@@ -117,19 +120,6 @@ ZEL_AVX512 void Encode936Blocks(const WORD* table, const DWORD* fourByteCodes, c
         const __m512i turned = _mm512_mask_mov_epi16(codes, two, _mm512_shldi_epi16(codes, codes, 8));
         __m512i even = _mm512_and_si512(turned, _mm512_set1_epi32(0xFFFF));
         __m512i odd = _mm512_maskz_srli_epi32(kAll16, turned, 16);
-        // The units with a four-byte form: their codes gathered from the direct table.
-        const __m512i zero = _mm512_setzero_si512();
-        const __m512i fourEven =
-            _mm512_mask_i32gather_epi32(zero, __mmask16(_pext_u32(marked, kEven32)),
-                                        _mm512_and_si512(units, _mm512_set1_epi32(0xFFFF)), fourByteCodes, 4);
-        const __m512i fourOdd =
-            _mm512_mask_i32gather_epi32(zero, __mmask16(_pext_u32(marked, kOdd32)),
-                                        _mm512_maskz_srli_epi32(kAll16, units, 16), fourByteCodes, 4);
-        const uint32_t fourEvenLanes = _mm512_test_epi32_mask(fourEven, fourEven);
-        const uint32_t fourOddLanes = _mm512_test_epi32_mask(fourOdd, fourOdd);
-        even = _mm512_mask_mov_epi32(even, __mmask16(fourEvenLanes), fourEven);
-        odd = _mm512_mask_mov_epi32(odd, __mmask16(fourOddLanes), fourOdd);
-        uint32_t four = _pdep_u32(fourEvenLanes, kEven32) | _pdep_u32(fourOddLanes, kOdd32);
         // Where the block ends depends on the units alone, so that the next block's loads need not
         // wait for this one's gathers.
         const uint32_t high = _mm512_cmpge_epu16_mask(units, _mm512_set1_epi16(short(0xD800))) &
@@ -138,6 +128,19 @@ ZEL_AVX512 void Encode936Blocks(const WORD* table, const DWORD* fourByteCodes, c
                              _mm512_cmple_epu16_mask(units, _mm512_set1_epi16(short(0xDFFF)));
         const uint32_t cut = high >> 31;
         const uint32_t pairs = high & marked & (low >> 1);
+        // The other marked units may have a four-byte form: up to sixteen of them side by side and
+        // one gather of the direct table; a seventeenth goes to the walk.
+        const uint32_t others = marked & ~high & ~low;
+        const __m512i index = _mm512_maskz_permutexvar_epi16(0x55555555u, _mm512_load_si512(kToQuarters),
+                                                             _mm512_maskz_compress_epi16(others, units));
+        const unsigned count = unsigned(__builtin_popcount(others));
+        if (count > 16) refused |= _pdep_u32(1u << 16, others);
+        const __m512i found =
+            _mm512_mask_i32gather_epi32(_mm512_setzero_si512(), __mmask16(count >= 16 ? 0xFFFF : (1u << count) - 1),
+                                        index, fourByteCodes, 4);
+        const uint32_t hasCode = _mm512_test_epi32_mask(found, found);
+        uint32_t four = _pdep_u32(hasCode, others);
+        const __m512i fourCodes = _mm512_maskz_compress_epi32(__mmask16(hasCode), found);
         uint32_t left = pairs & (refused ? (1u << __builtin_ctz(refused)) - 1 : ~0u);
         for (; left; left &= left - 1) {
             const unsigned lane = unsigned(__builtin_ctz(left));
@@ -152,8 +155,17 @@ ZEL_AVX512 void Encode936Blocks(const WORD* table, const DWORD* fourByteCodes, c
         // Lengths 1, 2 or 4: the kept bytes of each 32-bit lane, lane order restored.
         const uint32_t second = (two | four) & taken;
         const uint32_t third = four & taken;
-        const __m512i lanes[2] = {_mm512_permutex2var_epi32(even, _mm512_load_si512(kLow), odd),
-                                  _mm512_permutex2var_epi32(even, _mm512_load_si512(kHigh), odd)};
+        const uint32_t fourLow = four & ~pairs & 0xFFFF;
+        alignas(64) static constexpr int kLanes[16] = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15};
+        const __m512i laterCodes = _mm512_maskz_permutexvar_epi32(
+            kAll16,
+            _mm512_add_epi32(_mm512_load_si512(kLanes), _mm512_set1_epi32(__builtin_popcount(fourLow))),
+            fourCodes);
+        const __m512i lanes[2] = {
+            _mm512_mask_expand_epi32(_mm512_permutex2var_epi32(even, _mm512_load_si512(kLow), odd),
+                                     __mmask16(fourLow), fourCodes),
+            _mm512_mask_expand_epi32(_mm512_permutex2var_epi32(even, _mm512_load_si512(kHigh), odd),
+                                     __mmask16((four & ~pairs) >> 16), laterCodes)};
         uint64_t keep[2];
         for (int half = 0; half < 2; ++half) {
             const uint32_t t = taken >> 16 * half & 0xFFFF, s = second >> 16 * half & 0xFFFF,
