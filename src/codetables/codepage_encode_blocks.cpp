@@ -15,7 +15,7 @@
 
 namespace {
 
-#define ZEL_AVX512 __attribute__((target("avx2,popcnt,bmi,bmi2,avx512f,avx512bw,avx512vbmi,avx512vbmi2")))
+#define ZEL_AVX512 __attribute__((target("avx2,popcnt,bmi,bmi2,avx512f,avx512bw,avx512vbmi2")))
 
 // The 32-bit shifts go through their masked forms: the plain ones start from an undefined value,
 // which g++ 12 warns of.
