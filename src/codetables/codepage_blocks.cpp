@@ -14,7 +14,7 @@
 // the same runs problem once more over every other bit. The kernel leaves the second code out of
 // the starts, gives a pair a second slot, checks that the table opens exactly those codes, and
 // writes the sequences' units one by one after the block's store.
-#include "codetables/codepage_blocks.h"
+#include "codetables/codepage_block_kernels.h"
 
 #include <cstdint>
 
@@ -22,15 +22,12 @@
 #include "codetables/codepage_table_path.h"
 
 #if ZEL_UTF_BLOCKS
-#include <immintrin.h>
 
 namespace {
 
-#define ZEL_AVX512 __attribute__((target("avx2,popcnt,bmi,bmi2,avx512f,avx512bw,avx512vbmi2")))
+using zel::codepage::Entries;
+using zel::codepage::kAll16;
 
-// The 32-bit shifts go through their masked forms: the plain ones start from an undefined value,
-// which g++ 12 warns of.
-constexpr __mmask16 kAll16 = 0xFFFF;
 constexpr uint64_t kOddBits = 0xAAAAAAAAAAAAAAAAull;
 constexpr uint64_t kEvenBits = 0x5555555555555555ull;
 // Code page 932 reads 0xA0 to 0xDF as U+FF60 to U+FF9F.
@@ -75,18 +72,6 @@ ZEL_AVX512 inline __m512i LanesFrom(__m512i v, unsigned from) {
                                                      22, 23, 24, 25, 26, 27, 28, 29, 30, 31};
     const __m512i lanes = _mm512_add_epi16(_mm512_load_si512(kLanes), _mm512_set1_epi16(short(from)));
     return _mm512_permutexvar_epi16(lanes, v);
-}
-
-// The table entries of up to 32 codes in 16-bit lanes, those that reads marks; the others give 0.
-// An entry is read as 32 bits, with the one behind it.
-ZEL_AVX512 inline __m512i Entries(const WORD* table, __m512i indexes, uint32_t reads) {
-    // The even lanes' indexes in the low halves of 32-bit lanes, the odd lanes' in the high.
-    const __m512i zero = _mm512_setzero_si512();
-    const __m512i even = _mm512_mask_i32gather_epi32(zero, __mmask16(_pext_u32(reads, 0x55555555u)),
-                                                     _mm512_and_si512(indexes, _mm512_set1_epi32(0xFFFF)), table, 2);
-    const __m512i odd = _mm512_mask_i32gather_epi32(zero, __mmask16(_pext_u32(reads, 0xAAAAAAAAu)),
-                                                    _mm512_maskz_srli_epi32(kAll16, indexes, 16), table, 2);
-    return _mm512_mask_blend_epi16(__mmask32(0xAAAAAAAAu), even, _mm512_maskz_slli_epi32(kAll16, odd, 16));
 }
 
 // Writes the units of the slots side by side, the lead units that entries holds in order at the

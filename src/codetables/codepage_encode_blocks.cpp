@@ -7,32 +7,18 @@
 #include <cstdint>
 
 #include "codetables/code_tables.h"
-#include "codetables/codepage_blocks.h"
+#include "codetables/codepage_block_kernels.h"
 #include "codetables/codepage_table_path.h"
 
 #if ZEL_UTF_BLOCKS
-#include <immintrin.h>
 
 namespace {
 
-#define ZEL_AVX512 __attribute__((target("avx2,popcnt,bmi,bmi2,avx512f,avx512bw,avx512vbmi2")))
+using zel::codepage::Entries;
+using zel::codepage::kAll16;
 
-// The 32-bit shifts go through their masked forms: the plain ones start from an undefined value,
-// which g++ 12 warns of.
-constexpr __mmask16 kAll16 = 0xFFFF;
 constexpr uint32_t kEven32 = 0x55555555u;
 constexpr uint32_t kOdd32 = 0xAAAAAAAAu;
-
-// The 16-bit entries of table at the 16-bit indexes of lanes that reads marks, others 0. Each
-// entry is read as 32 bits with the one behind it.
-ZEL_AVX512 inline __m512i Entries16(const WORD* table, __m512i indexes, uint32_t reads) {
-    const __m512i zero = _mm512_setzero_si512();
-    const __m512i even = _mm512_mask_i32gather_epi32(zero, __mmask16(_pext_u32(reads, kEven32)),
-                                                     _mm512_and_si512(indexes, _mm512_set1_epi32(0xFFFF)), table, 2);
-    const __m512i odd = _mm512_mask_i32gather_epi32(zero, __mmask16(_pext_u32(reads, kOdd32)),
-                                                    _mm512_maskz_srli_epi32(kAll16, indexes, 16), table, 2);
-    return _mm512_mask_blend_epi16(__mmask32(kOdd32), even, _mm512_maskz_slli_epi32(kAll16, odd, 16));
-}
 
 // Writes the bytes of `bytes` that keep marks, side by side; gives how many.
 ZEL_AVX512 inline unsigned StoreBytes(BYTE* out, __m512i bytes, uint64_t keep) {
@@ -58,7 +44,7 @@ ZEL_AVX512 inline __m512i CodesOf(const WORD* table, __m512i units, uint32_t& re
         reads &= ~halfWidth;
     }
     refused = last;
-    return _mm512_mask_mov_epi16(codes, reads, Entries16(table, units, reads));
+    return _mm512_mask_mov_epi16(codes, reads, Entries(table, units, reads));
 }
 
 // The bytes of 32 codes of one or two bytes, two byte lanes each, and which of them are kept.
