@@ -17,9 +17,6 @@ namespace {
 using zel::codepage::Entries;
 using zel::codepage::kAll16;
 
-constexpr uint32_t kEven32 = 0x55555555u;
-constexpr uint32_t kOdd32 = 0xAAAAAAAAu;
-
 // Writes the bytes of `bytes` that keep marks, side by side; gives how many.
 ZEL_AVX512 inline unsigned StoreBytes(BYTE* out, __m512i bytes, uint64_t keep) {
     const unsigned count = unsigned(__builtin_popcountll(keep));
