@@ -13,7 +13,7 @@
 // the second half of another such sequence: in a chain of those codes every second one opens,
 // the same runs problem once more over every other bit. The kernel leaves the second code out of
 // the starts, gives a pair a second slot, checks that the table opens exactly those codes, and
-// writes the sequences' units one by one after the block's store.
+// writes the sequences' units one by one before the block's store, which goes around them.
 #include "codetables/codepage_block_kernels.h"
 
 #include <cstdint>

@@ -17,20 +17,24 @@ enum class ZelTablePage { Plain, Kana932, Gb936 };
 // The decoding kernel, called only where zel::utf::BlockLevel() is 2 or more, for a table of
 // 0x10000 - first entries with first at or above 0x8000; unitsOfPlaces is Zel936UnitsOfPlaces()
 // for 936. text lies at the start of a character; the kernel moves text and out past whole blocks
-// while 64 bytes or more are left before end, and returns early at a character it leaves to the
-// walk one at a time (the pair 0xFF 0xFF; for 936 a four-byte sequence at a block's end, of an
-// odd shape, or one that the table does not open as the kernel reads it). It reads text[0] to
-// text[64] of each block, consumes at most 65 bytes a block, never writes more units than it
-// consumes bytes and writes nothing behind out.
+// while 64 bytes or more are left before end (a four-byte sequence of 936 that a block would cut
+// starts the next one), and returns early at a character it leaves to the walk one at a time (the
+// pair 0xFF 0xFF; for 936 a four-byte sequence of an odd shape, or a code that the table opens
+// where the kernel reads two bytes, or the reverse). It reads text[0] to text[64] of each block,
+// consumes at most 65 bytes a block and never writes more units than it consumes bytes. For 936
+// it may leave a unit at out itself, which the caller's next step or terminator overwrites;
+// beyond that it writes nothing behind out.
 void ZelDecodeBlocks(ZelTablePage page, const WORD* mb2Uni, unsigned first, const WCHAR* unitsOfPlaces,
                      const BYTE*& text, const BYTE* end, WCHAR*& out);
 
 // The encoding kernel, on the same terms, for a table of 65536 entries; fourByteCodes is
 // Zel936FourByteCodes() for 936. It moves text and out past whole blocks of 32 units while 32 or
-// more are left before end, and returns early at a unit it leaves to the walk one at a time (the
-// unit 0xFFFF; for 936 a unit whose code is the marker without a four-byte form, among them the
-// halves of pairs). The room from out to outEnd must hold two bytes for every unit before end, and
-// still does when the kernel returns.
+// more are left before end (the first half of a pair in a block's last lane starts the next
+// block), and returns early at a unit it leaves to the walk one at a time (the unit 0xFFFF; for
+// 936 a seventeenth unit in a block that may have a four-byte form), or before a block of 936
+// whose four-byte codes would leave less room than the walk keeps: two bytes for every unit
+// before end, which the room from out to outEnd must hold when the kernel is called. It writes
+// nothing behind out.
 void ZelEncodeBlocks(ZelTablePage page, const WORD* uni2Mb, const DWORD* fourByteCodes, const WCHAR*& text,
                      const WCHAR* end, BYTE*& out, const BYTE* outEnd);
 #endif
