@@ -215,6 +215,13 @@ ZEL_AVX512 void DecodeBlocks(const WORD* table, unsigned first, const WCHAR* uni
 
 }  // namespace
 
+bool ZelCodePageBlocks() {
+    // The kernels also take bits apart and together with BMI2, which every processor with the
+    // kernels of level 2 has so far, but which is a feature of its own.
+    static const bool bitFields = (__builtin_cpu_init(), __builtin_cpu_supports("bmi2"));
+    return bitFields && zel::utf::BlockLevel() >= 2;
+}
+
 void ZelDecodeBlocks(ZelTablePage page, const WORD* mb2Uni, unsigned first, const WCHAR* unitsOfPlaces,
                      const BYTE*& text, const BYTE* end, WCHAR*& out) {
     switch (page) {

@@ -14,7 +14,11 @@
 enum class ZelTablePage { Plain, Kana932, Gb936 };
 
 #if ZEL_UTF_BLOCKS
-// The decoding kernel, called only where zel::utf::BlockLevel() is 2 or more, for a table of
+// Whether the kernels below may run: the processor has what they use and zel::utf::BlockLevel(),
+// which tests lower, is 2 or more.
+bool ZelCodePageBlocks();
+
+// The decoding kernel, called only where ZelCodePageBlocks() holds, for a table of
 // 0x10000 - first entries with first at or above 0x8000; unitsOfPlaces is Zel936UnitsOfPlaces()
 // for 936. text lies at the start of a character; the kernel moves text and out past whole blocks
 // while 64 bytes or more are left before end (a four-byte sequence of 936 that a block would cut

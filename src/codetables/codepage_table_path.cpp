@@ -25,6 +25,15 @@ constexpr bool IsSurrogate(WCHAR u) { return u >= 0xD800 && u <= 0xDFFF; }
 
 using Page = ZelTablePage;
 
+// Whether the block kernels run here.
+inline bool BlocksHere() {
+#if ZEL_UTF_BLOCKS
+    return ZelCodePageBlocks();
+#else
+    return false;
+#endif
+}
+
 Page PageOf(UINT codePage) {
     if (codePage == 932) return Page::Kana932;
     if (codePage == 936) return Page::Gb936;
@@ -116,7 +125,7 @@ int Decode(const ZelCodePageTables& tables, const BYTE* text, int length, WCHAR*
         return DecodeOneByOne<kPage>(tables, text, length, buffer, size);
     [[maybe_unused]] const WCHAR* unitsOfPlaces = nullptr;
     if constexpr (kPage == Page::Gb936) unitsOfPlaces = Zel936UnitsOfPlaces();
-    [[maybe_unused]] const bool blocks = zel::utf::BlockLevel() >= 2;
+    [[maybe_unused]] const bool blocks = BlocksHere();
     int in = 0;
     int out = 0;
     while (in < length && out < s.limit) {
@@ -258,7 +267,7 @@ int Encode(const ZelCodePageTables& tables, const WCHAR* text, int length, BYTE*
     if (!uni2Mb) return EncodeOneByOne<kPage>(tables, text, length, buffer, size);
     [[maybe_unused]] const DWORD* fourByteCodes = nullptr;
     if constexpr (kPage == Page::Gb936) fourByteCodes = Zel936FourByteCodes();
-    [[maybe_unused]] const bool blocks = zel::utf::BlockLevel() >= 2;
+    [[maybe_unused]] const bool blocks = BlocksHere();
     const int limit = size - 1;
     int in = 0;
     int out = 0;
