@@ -2,7 +2,8 @@
 // written once into a temporary ${Common}, with scrambled mappings so that every kind of entry
 // turns up, the markers of 936 among them. Behind every output buffer lies a canary: nothing may
 // be written past the size, the count is never above size - 1 and the text is terminated. The
-// bulk walks of the table path must also give what the one-by-one walks give, count and buffer.
+// bulk walks of the table path must also give what the one-by-one walks give, count and buffer,
+// at a level of the decoder's block kernels that the input picks.
 #include <sys/stat.h>
 #include <unistd.h>
 #include <zel/codetables.h>
@@ -20,6 +21,7 @@
 #include "codetables/code_tables.h"
 #include "codetables/codepage_table_path.h"
 #include "platform/win32.h"
+#include "strings/utf_blocks.h"
 
 #include "fuzz_check.h"
 
@@ -78,6 +80,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const UINT page = kTableCodePages[data[0] % std::size(kTableCodePages)];
     const UINT other = kTableCodePages[(data[0] / 8) % std::size(kTableCodePages)];
     const bool counted = data[1] & 1;
+    zel::utf::LimitBlockLevel((data[1] >> 1) % 3);
     const int outSize = int(((data[2] << 8) | data[3]) % 1200);
     data += 4;
     size -= 4;

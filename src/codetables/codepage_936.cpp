@@ -7,14 +7,8 @@
 
 namespace {
 
-// V of the first four-byte code, 0x81 0x30 0x81 0x30, and of the first one beyond the basic
-// plane, 0x90 0x30 0x81 0x30.
-constexpr long kFirstFourByteValue = 1687218;
+// V of the first four-byte code beyond the basic plane, 0x90 0x30 0x81 0x30.
 constexpr long kFirstSupplementaryValue = 1876218;
-// V - this is the code point beyond the basic plane; place L of a code point there is its
-// number + kSupplementaryPlaceOffset.
-constexpr long kSupplementaryBase = 1810682;
-constexpr long kSupplementaryPlaceOffset = 123464;
 
 constexpr long kLastCodePoint = 0x10FFFF;
 
@@ -58,7 +52,7 @@ const DWORD* Zel936FourByteCodes() {
 int Zel936FourBytesToUnicode(BYTE b1, BYTE b2, BYTE b3, BYTE b4, WCHAR units[2]) {
     const long value = ((long{b1} * 10 + b2) * 126 + b3) * 10 + b4;
     if (value >= kFirstSupplementaryValue) {
-        const long codePoint = value - kSupplementaryBase;
+        const long codePoint = value - kZel936SupplementaryBase;
         // Bytes beyond the last plane have nothing to stand for.
         if (codePoint > kLastCodePoint) {
             units[0] = 0xFFFD;
@@ -68,7 +62,7 @@ int Zel936FourBytesToUnicode(BYTE b1, BYTE b2, BYTE b3, BYTE b4, WCHAR units[2])
         units[1] = WCHAR(0xDC00 + (codePoint & 0x3FF));
         return 2;
     }
-    const long place = value - kFirstFourByteValue;
+    const long place = value - kZel936FirstFourByteValue;
     if (place >= 0 && place < long(kZelFourByteBasicPlaneCodes)) {
         units[0] = Zel936UnitsOfPlaces()[place];
         return 1;
@@ -81,7 +75,7 @@ int Zel936FourBytesToUnicodeByRuns(BYTE b1, BYTE b2, BYTE b3, BYTE b4, WCHAR uni
     if (value >= kFirstSupplementaryValue) return Zel936FourBytesToUnicode(b1, b2, b3, b4, units);
     // The first run whose running sum passes L; the surrogates' run repeats the sum before it and
     // so is never the one.
-    const long place = value - kFirstFourByteValue;
+    const long place = value - kZel936FirstFourByteValue;
     const DWORD* ends = kZelFourByteRunSums.ends;
     const DWORD* end = ends + kZelFourByteRunCount;
     const DWORD* at = place < 0 ? ends : std::upper_bound(ends, end, DWORD(place));
@@ -114,4 +108,4 @@ long Zel936FourBytePlaceOf(WCHAR u) {
 
 DWORD Zel936FourByteCode(WCHAR u) { return Zel936FourByteCodes()[u]; }
 
-long Zel936SupplementaryPlaceOf(DWORD codePoint) { return long(codePoint) + kSupplementaryPlaceOffset; }
+long Zel936SupplementaryPlaceOf(DWORD codePoint) { return long(codePoint) + kZel936PairPlaceOffset; }

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <type_traits>
 
+#include "codetables/codepage_blocks.h"
 #include "codetables/codepage_table_path.h"
 #include "codetables/gb_four_byte_runs.h"
 #include "platform/win32.h"
@@ -18,14 +19,20 @@ constexpr WORD kHalfWidthOffset = 0xFEC0;
 constexpr bool IsHalfWidthByte(BYTE b) { return b >= 0xA0 && b <= 0xDF; }
 constexpr bool IsHalfWidthUnit(WCHAR u) { return u >= 0xFF60 && u <= 0xFF9F; }
 
-// V of the first four-byte code, 0x81 0x30 0x81 0x30: place 0.
-constexpr long kFirstFourByteValue = 1687218;
-
 constexpr bool IsHighSurrogate(WCHAR u) { return u >= 0xD800 && u <= 0xDBFF; }
 constexpr bool IsLowSurrogate(WCHAR u) { return u >= 0xDC00 && u <= 0xDFFF; }
 constexpr bool IsSurrogate(WCHAR u) { return u >= 0xD800 && u <= 0xDFFF; }
 
-enum class Page { Plain, Kana932, Gb936 };
+using Page = ZelTablePage;
+
+// Whether the block kernels run here.
+inline bool BlocksHere() {
+#if ZEL_UTF_BLOCKS
+    return ZelCodePageBlocks();
+#else
+    return false;
+#endif
+}
 
 Page PageOf(UINT codePage) {
     if (codePage == 932) return Page::Kana932;
@@ -118,6 +125,7 @@ int Decode(const ZelCodePageTables& tables, const BYTE* text, int length, WCHAR*
         return DecodeOneByOne<kPage>(tables, text, length, buffer, size);
     [[maybe_unused]] const WCHAR* unitsOfPlaces = nullptr;
     if constexpr (kPage == Page::Gb936) unitsOfPlaces = Zel936UnitsOfPlaces();
+    [[maybe_unused]] const bool blocks = BlocksHere();
     int in = 0;
     int out = 0;
     while (in < length && out < s.limit) {
@@ -127,6 +135,14 @@ int Decode(const ZelCodePageTables& tables, const BYTE* text, int length, WCHAR*
             const BYTE* const end = p + span;
             WCHAR* o = buffer + out;
             while (p < end) {
+#if ZEL_UTF_BLOCKS
+                // The kernel stops at a character it leaves to the steps below, which take that
+                // one character and hand back.
+                if (blocks && end - p >= 64) {
+                    ZelDecodeBlocks(kPage, s.mb2Uni, s.first, unitsOfPlaces, p, end, o);
+                    if (p >= end) break;
+                }
+#endif
                 // Every first code lies above 0x8000, so a byte below 0x80 and a lead byte
                 // below the first code are one case.
                 const BYTE b = *p;
@@ -152,16 +168,7 @@ int Decode(const ZelCodePageTables& tables, const BYTE* text, int length, WCHAR*
                 const WORD unit = s.mb2Uni[code - s.first];
                 if constexpr (kPage == Page::Gb936) {
                     if (unit == kZel936OpenerMarker) {
-                        const long place = ((long{b} * 10 + p[1]) * 126 + p[2]) * 10 + p[3] - kFirstFourByteValue;
-                        if (place >= 0 && place < long(kZelFourByteBasicPlaneCodes)) {
-                            *o++ = unitsOfPlaces[place];
-                        } else {
-                            WCHAR units[2] = {0, 0};
-                            const int n = Zel936FourBytesToUnicode(b, p[1], p[2], p[3], units);
-                            o[0] = units[0];
-                            o[1] = units[1];
-                            o += n;
-                        }
+                        o += Zel936FourBytesAt(p, unitsOfPlaces, o);
                         p += 4;
                         continue;
                     }
@@ -260,6 +267,7 @@ int Encode(const ZelCodePageTables& tables, const WCHAR* text, int length, BYTE*
     if (!uni2Mb) return EncodeOneByOne<kPage>(tables, text, length, buffer, size);
     [[maybe_unused]] const DWORD* fourByteCodes = nullptr;
     if constexpr (kPage == Page::Gb936) fourByteCodes = Zel936FourByteCodes();
+    [[maybe_unused]] const bool blocks = BlocksHere();
     const int limit = size - 1;
     int in = 0;
     int out = 0;
@@ -270,6 +278,13 @@ int Encode(const ZelCodePageTables& tables, const WCHAR* text, int length, BYTE*
             const WCHAR* const end = p + span;
             BYTE* o = buffer + out;
             while (p < end) {
+#if ZEL_UTF_BLOCKS
+                // As in the decoder: the kernel hands back at a unit for the steps below.
+                if (blocks && end - p >= 32) {
+                    ZelEncodeBlocks(kPage, uni2Mb, fourByteCodes, p, end, o, buffer + limit);
+                    if (p >= end) break;
+                }
+#endif
                 const WCHAR u = *p;
                 unsigned v = uni2Mb[u];
                 if constexpr (kPage == Page::Kana932) v = IsHalfWidthUnit(u) ? unsigned(u - kHalfWidthOffset) : v;

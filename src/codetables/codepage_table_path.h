@@ -6,6 +6,7 @@
 #include <zel/wintypes.h>
 
 #include "codetables/code_tables.h"
+#include "codetables/gb_four_byte_runs.h"
 
 // Code page 0 is the system's ANSI code page, 1 its OEM code page; any other number stands for
 // itself.
@@ -36,6 +37,22 @@ int Zel936FourBytesToUnicode(BYTE b1, BYTE b2, BYTE b3, BYTE b4, WCHAR units[2])
 // The same through the walk of the runs, which fills the direct table that the above reads.
 int Zel936FourBytesToUnicodeByRuns(BYTE b1, BYTE b2, BYTE b3, BYTE b4, WCHAR units[2]);
 
+// V of the first four-byte code, 0x81 0x30 0x81 0x30: place 0.
+constexpr long kZel936FirstFourByteValue = 1687218;
+// V - this is the code point beyond the basic plane.
+constexpr long kZel936SupplementaryBase = 1810682;
+
+// The same for the four bytes at p, a place of the basic plane read from unitsOfPlaces
+// (Zel936UnitsOfPlaces()) in place of the call. Writes only the units it gives.
+inline int Zel936FourBytesAt(const BYTE* p, const WCHAR* unitsOfPlaces, WCHAR* units) {
+    const long place = ((long{p[0]} * 10 + p[1]) * 126 + p[2]) * 10 + p[3] - kZel936FirstFourByteValue;
+    if (place >= 0 && place < long(kZelFourByteBasicPlaneCodes)) {
+        units[0] = unitsOfPlaces[place];
+        return 1;
+    }
+    return Zel936FourBytesToUnicode(p[0], p[1], p[2], p[3], units);
+}
+
 // The four bytes of place L in the sequence of four-byte codes.
 void Zel936FourBytesOfPlace(DWORD place, BYTE bytes[4]);
 
@@ -50,7 +67,8 @@ DWORD Zel936FourByteCode(WCHAR u);
 // kZelFourByteBasicPlaneCodes.
 const DWORD* Zel936FourByteCodes();
 const WCHAR* Zel936UnitsOfPlaces();
-// The place of a code point beyond the basic plane.
+// The place of a code point beyond the basic plane: the code point + kZel936PairPlaceOffset.
+constexpr long kZel936PairPlaceOffset = 123464;
 long Zel936SupplementaryPlaceOf(DWORD codePoint);
 
 #endif  // ZEL_CODETABLES_CODEPAGE_TABLE_PATH_H

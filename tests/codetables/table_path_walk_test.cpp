@@ -1,6 +1,7 @@
 // The table path's bulk walks against its one-character-at-a-time walks: same count, same bytes
 // in the whole output buffer, for every code page, every buffer size around the end of the text,
-// counted and zero-terminated input, tables full of odd entries.
+// counted and zero-terminated input, tables full of odd entries, with and without the block
+// kernels of the decoder.
 #include <gtest/gtest.h>
 #include <zel/codetables.h>
 
@@ -12,6 +13,7 @@
 #include "codetables/codepage_front.h"
 #include "codetables/codepage_table_path.h"
 #include "codetables/table_path_fixture.h"
+#include "strings/utf_blocks.h"
 
 namespace {
 
@@ -90,6 +92,52 @@ std::string RandomNarrow(std::mt19937& random, size_t bytes) {
     return text;
 }
 
+// Text the block kernels take whole: mostly double-byte codes, short runs of ASCII, well-formed
+// four-byte sequences, with now and then a byte that a kernel must get right or leave alone: the
+// lead bytes around the first code, the half-width bytes, 0x80, 0xFF 0xFF.
+std::string RandomCodes(std::mt19937& random, size_t bytes) {
+    std::string text;
+    while (text.size() < bytes) {
+        const uint32_t pick = random() % 40;
+        if (pick < 24) {
+            text += char(0x81 + random() % 0x7E);
+            text += char(0x40 + random() % 0xBF);
+        } else if (pick < 30) {
+            for (uint32_t n = random() % 6; n > 0; --n) text += char(0x20 + random() % 0x5F);
+        } else if (pick < 34) {
+            text += char(0x81 + random() % 0x7E);
+            text += char(0x30 + random() % 10);
+            text += char(0x81 + random() % 0x7E);
+            text += char(0x30 + random() % 10);
+        } else if (pick < 36) {
+            text += char(0xA0 + random() % 0x40);
+        } else if (pick == 36) {
+            text += char(0x81);
+            text += char(0x30 + random() % 0x20);
+        } else if (pick == 37) {
+            text += "\xFF\xFF";
+        } else {
+            text += char(0x80 + (random() % 2) * 0x7F);
+        }
+    }
+    text.resize(bytes);
+    return text;
+}
+
+// Runs body at every level of the block kernels up to the processor's own: none first.
+template <typename Body>
+void AtEveryBlockLevel(Body body) {
+    zel::utf::LimitBlockLevel(2);
+    const int widest = zel::utf::BlockLevel();
+    for (int level = 0; level <= widest; ++level) {
+        SCOPED_TRACE(testing::Message() << "block level " << level);
+        zel::utf::LimitBlockLevel(level);
+        body();
+        if (testing::Test::HasFatalFailure()) break;
+    }
+    zel::utf::LimitBlockLevel(2);
+}
+
 constexpr int kCanary = 0x5A;
 
 // Every size from 0 to a little beyond what the text can need, the text counted and terminated.
@@ -128,10 +176,53 @@ TEST(TablePathWalks, BulkWalksMatchTheOneByOneWalksOnRandomText) {
         const Tables tables(page);
         for (int round = 0; round < 40; ++round) {
             const size_t units = 1 + random() % 70;
-            ASSERT_NO_FATAL_FAILURE(CompareFromUnicode(page, tables.view, RandomWide(random, units)));
-            ASSERT_NO_FATAL_FAILURE(CompareToUnicode(page, tables.view, RandomNarrow(random, units * 2)));
+            const std::u16string wide = RandomWide(random, units);
+            AtEveryBlockLevel([&] { CompareFromUnicode(page, tables.view, wide); });
+            const std::string narrow = RandomNarrow(random, units * 2);
+            AtEveryBlockLevel([&] { CompareToUnicode(page, tables.view, narrow); });
+            ASSERT_FALSE(HasFatalFailure());
         }
     }
+}
+
+// Tables of odd entries and tables that hold the markers of 936 only where its real tables do
+// (the opener before a digit, the marker on the surrogates and the code points with a four-byte
+// form), so that the kernels of 936 run on for whole blocks as they do on real text.
+template <typename Body>
+void WithOddAndRealShapedTables(Body body) {
+    for (UINT page : kPages) {
+        SCOPED_TRACE(page);
+        Tables odd(page);
+        Tables shaped(page);
+        for (size_t i = 0; i < shaped.mb2Uni.size(); ++i) {
+            const unsigned trail = (ZelFirstCodeOf(page) + unsigned(i)) & 0xFF;
+            uint16_t& entry = shaped.mb2Uni[i];
+            if (entry == kZel936OpenerMarker) entry = 0x4E00;
+            if (page == 936 && trail >= 0x30 && trail <= 0x39) entry = kZel936OpenerMarker;
+        }
+        for (size_t u = 0; u < shaped.uni2Mb.size(); ++u) {
+            uint16_t& entry = shaped.uni2Mb[u];
+            if (entry == kZel936FourByteMarker) entry = 0xB0A1;
+            const bool marked = (u >= 0xD800 && u <= 0xDFFF) || Zel936FourByteCode(WCHAR(u)) != 0;
+            if (page == 936 && marked) entry = kZel936FourByteMarker;
+        }
+        for (const Tables* tables : {&odd, &shaped}) {
+            body(page, tables->view);
+            if (testing::Test::HasFatalFailure()) return;
+        }
+    }
+}
+
+// Several blocks of text, every buffer size.
+TEST(TablePathWalks, BlockDecodingMatchesTheOneByOneWalk) {
+    std::mt19937 random(0xB10C5);
+    WithOddAndRealShapedTables([&](UINT page, const ZelCodePageTables& tables) {
+        for (int round = 0; round < 12; ++round) {
+            const std::string text = RandomCodes(random, 64 + random() % 300);
+            AtEveryBlockLevel([&] { CompareToUnicode(page, tables, text); });
+            if (testing::Test::HasFatalFailure()) return;
+        }
+    });
 }
 
 TEST(TablePathWalks, BulkWalksMatchAtTheEdges) {
@@ -151,9 +242,50 @@ TEST(TablePathWalks, BulkWalksMatchAtTheEdges) {
     for (UINT page : kPages) {
         SCOPED_TRACE(page);
         const Tables tables(page);
-        for (const auto& text : wide) ASSERT_NO_FATAL_FAILURE(CompareFromUnicode(page, tables.view, text));
-        for (const auto& text : narrow) ASSERT_NO_FATAL_FAILURE(CompareToUnicode(page, tables.view, text));
+        for (const auto& text : wide) AtEveryBlockLevel([&] { CompareFromUnicode(page, tables.view, text); });
+        for (const auto& text : narrow) AtEveryBlockLevel([&] { CompareToUnicode(page, tables.view, text); });
+        ASSERT_FALSE(HasFatalFailure());
     }
+}
+
+// Text the encoder's kernels take whole: mostly characters of the double-byte range, short runs
+// of ASCII, half-width Katakana, code points with a four-byte form in 936, now and then a pair, a
+// lone half or U+FFFF.
+std::u16string RandomCharacters(std::mt19937& random, size_t units) {
+    std::u16string text;
+    while (text.size() < units) {
+        const uint32_t pick = random() % 40;
+        if (pick < 24) {
+            text += char16_t(0x4E00 + random() % 0x5200);
+        } else if (pick < 30) {
+            for (uint32_t n = random() % 6; n > 0; --n) text += char16_t(0x20 + random() % 0x5F);
+        } else if (pick < 34) {
+            text += char16_t(0x3400 + random() % 0x19B6);
+        } else if (pick < 36) {
+            text += char16_t(0xFF50 + random() % 0x60);
+        } else if (pick == 36) {
+            text += char16_t(0xD800 + random() % 0x400);
+            text += char16_t(0xDC00 + random() % 0x400);
+        } else if (pick == 37) {
+            text += char16_t(0xD800 + random() % 0x800);
+        } else {
+            text += char16_t(0xFFFF - random() % 2);
+        }
+    }
+    text.resize(units);
+    return text;
+}
+
+// Several blocks of UTF-16, every buffer size.
+TEST(TablePathWalks, BlockEncodingMatchesTheOneByOneWalk) {
+    std::mt19937 random(0xE4C0DE);
+    WithOddAndRealShapedTables([&](UINT page, const ZelCodePageTables& tables) {
+        for (int round = 0; round < 10; ++round) {
+            const std::u16string text = RandomCharacters(random, 32 + random() % 150);
+            AtEveryBlockLevel([&] { CompareFromUnicode(page, tables, text); });
+            if (testing::Test::HasFatalFailure()) return;
+        }
+    });
 }
 
 // Through the front end with the tables loaded from files: the default character and the
