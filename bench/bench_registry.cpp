@@ -15,6 +15,7 @@
 #include <zel/settings.h>
 
 #include "bench_temp_file.h"
+#include "print_goal.h"
 #include "platform/win32.h"
 #include "ratio_reporter.h"
 
@@ -256,6 +257,21 @@ void PrintPerKey(const RatioReporter& reporter, const std::vector<std::string>& 
     }
 }
 
+// Each operation at 100,000 children within 1.5 times its cost a key at 100, and at most 1 µs a key
+// there and in the balanced tree.
+void PrintGoals(const RatioReporter& reporter) {
+    const double treeKeys = static_cast<double>(Balanced(u"").nodes.size());
+    for (const auto& [operation, run] : kOperations) {
+        (void)run;
+        const std::string name = operation;
+        const double small = reporter.Cpu(name + "/100"), large = reporter.Cpu(name + "/100000"),
+                     tree = reporter.Cpu(name + "/tree");
+        if (small > 0 && large > 0) PrintGoal(name + ", 100,000 children over 100", large / 1000 / small, 1.5);
+        if (large > 0) PrintGoal(name + ", 100,000 children, µs a key", large * 1e3 / 1e5, 1.0);
+        if (tree > 0) PrintGoal(name + ", balanced tree, µs a key", tree * 1e3 / treeKeys, 1.0);
+    }
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -271,6 +287,7 @@ int main(int argc, char** argv) {
     RatioReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
     PrintPerKey(reporter, labels);
+    PrintGoals(reporter);
     benchmark::Shutdown();
     return 0;
 }
