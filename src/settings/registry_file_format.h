@@ -14,9 +14,10 @@ inline bool ZelRegFilePutNumber(FILE* stream, DWORD value) {
     return std::fwrite(bytes, 1, 4, stream) == 4;
 }
 
+// From a stream that only the caller's thread reads.
 inline bool ZelRegFileGetNumber(FILE* stream, DWORD* value) {
     unsigned char bytes[4];
-    if (std::fread(bytes, 1, 4, stream) != 4) return false;
+    if (fread_unlocked(bytes, 1, 4, stream) != 4) return false;
     *value = DWORD(bytes[0]) | DWORD(bytes[1]) << 8 | DWORD(bytes[2]) << 16 | DWORD(bytes[3]) << 24;
     return true;
 }

@@ -27,7 +27,8 @@ constexpr DWORD kFirstDataBytes = 256;
 // process, so only one load may run at a time.
 int leafReached = 0;
 
-// Where the file being loaded ends, measured when it was opened.
+// The stream of a load is its own: its reads take no lock. Where the file being loaded ends,
+// measured when it was opened.
 thread_local long loadEnd = 0;
 
 DWORD BytesLeft(FILE* stream) {
@@ -42,8 +43,9 @@ thread_local ZelRegFileTexts* loadTexts = nullptr;
 bool GetText(FILE* stream, WCHAR* text, bool name = false) {
     DWORD length = 0;
     if (!ZelRegFileGetNumber(stream, &length) || length >= kZelRegNameUnits) return false;
-    char ansi[kZelRegNameUnits] = {};
-    if (std::fread(ansi, 1, length, stream) != length) return false;
+    char ansi[kZelRegNameUnits];
+    if (fread_unlocked(ansi, 1, length, stream) != length) return false;
+    ansi[length] = 0;
     if (!loadTexts)
         ZelRegFileTexts().Widen(ansi, text, kZelRegNameUnits);
     else if (name)
@@ -108,7 +110,7 @@ int CZelRegistry::__LoadKeyValue(FILE* stream, DWORD* capacity, WCHAR* name, DWO
         *data = grown;
         *capacity = *size;
     }
-    return std::fread(*data, 1, *size, stream) == *size;
+    return fread_unlocked(*data, 1, *size, stream) == *size;
 }
 
 int CZelRegistry::_WriteRegFromFile(FILE* stream, HKEY parent) {

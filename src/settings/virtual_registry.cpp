@@ -30,14 +30,14 @@ uint32_t HashOf(std::u16string_view name) {
     return static_cast<uint32_t>(hash ^ (hash >> 32));
 }
 
-bool SameName(std::u16string_view a, std::u16string_view b) {
+}  // namespace
+
+bool VirtualRegSameName(std::u16string_view a, std::u16string_view b) {
     if (a.size() != b.size()) return false;
     for (size_t i = 0; i < a.size(); ++i)
         if (Fold(a[i]) != Fold(b[i])) return false;
     return true;
 }
-
-}  // namespace
 
 VirtualRegKey* VirtualRegChildIndex::Find(std::u16string_view name) const {
     if (slots_.empty()) return nullptr;
@@ -45,7 +45,7 @@ VirtualRegKey* VirtualRegChildIndex::Find(std::u16string_view name) const {
     for (size_t at = Home(hash);; at = (at + 1) & (slots_.size() - 1)) {
         const Slot& slot = slots_[at];
         if (!slot.key) return nullptr;
-        if (slot.hash == hash && SameName(slot.key->name, name)) return slot.key;
+        if (slot.hash == hash && VirtualRegSameName(slot.key->name, name)) return slot.key;
     }
 }
 

@@ -31,6 +31,9 @@ struct VirtualRegValue {
 struct VirtualRegKey;
 class VirtualRegKeyList;
 
+// Whether two key names are one: equal once a to z are folded to A to Z, as _ustricmp folds.
+bool VirtualRegSameName(std::u16string_view a, std::u16string_view b);
+
 // The children of one key by name, folded as _ustricmp folds (a to z to A to Z, every other unit
 // as it is), so that two names equal there are one name here. Open addressing with linear probing
 // over a power of two of slots, each with the name's hash and the child.
@@ -53,16 +56,17 @@ private:
     size_t used_ = 0;
 };
 
+// What a look-up reads (the name, the values) comes first, within the first 64 bytes.
 struct VirtualRegKey {
-    std::u16string name;  // the form of its first creation
-    DWORD depth = 0;      // 1 for a hive root
-    std::u16string defaultValue;
+    std::u16string name;                  // the form of its first creation
+    std::vector<VirtualRegValue> values;  // in order of first creation
+    DWORD depth = 0;                      // 1 for a hive root
     DWORD subKeyCount = 0;
+    std::u16string defaultValue;
     DWORD maxSubKeyNameLength = 0;  // characters; never falls
     DWORD valueCount = 0;
     DWORD maxValueNameLength = 0;  // characters; never falls
     DWORD maxValueDataLength = 0;  // bytes; never falls
-    std::vector<VirtualRegValue> values;  // in order of first creation
     VirtualRegKey* parent = nullptr;
     VirtualRegKey* firstChild = nullptr;
     VirtualRegKey* nextSibling = nullptr;
@@ -162,7 +166,7 @@ private:
     int FindKey(VirtualRegKey* start, const WCHAR* path, VirtualRegKey** key);
     // The sub-key at index, or null.
     static VirtualRegKey* ChildAt(VirtualRegKey* key, DWORD index);
-    static VirtualRegKey* FindChild(VirtualRegKey* parent, const WCHAR* name);
+    static VirtualRegKey* FindChild(VirtualRegKey* parent, std::u16string_view name);
     int CreateKeyPath(VirtualRegKey* start, const WCHAR* path, VirtualRegKey** key);
 
     // The first field is the hive that the last predefined handle selected.
