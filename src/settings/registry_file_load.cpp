@@ -12,6 +12,8 @@
 #include <cstdlib>
 #include <cstring>
 #include <iterator>
+#include <string>
+#include <string_view>
 
 #include "settings/registry_adapters.h"
 #include "settings/registry_class_internal.h"
@@ -125,9 +127,21 @@ int CZelRegistry::_WriteRegFromFile(FILE* stream, HKEY parent) {
     DWORD count = 0;
     int result = 1;
     bool more = true;
+    // Sections come children first, so that a run of them shares the path up to its last back
+    // slash. In the tree, where nothing else deletes keys meanwhile, the key at that path is kept
+    // from one section to the next and only the last component is looked for below it.
+    std::u16string shared;
+    HKEY sharedKey = nullptr;
     while (more && __LoadSubKeyAndGetCntValue(stream, path, &count)) {
         HKEY key = nullptr;
-        if (ZelRegCreateKey(parent, path, &key, useVirtual) != ERROR_SUCCESS) {
+        const WCHAR* slash = useVirtual ? wcsrchr(path, u'\\') : nullptr;
+        if (slash && !(sharedKey && shared == std::u16string_view(path, static_cast<size_t>(slash - path)))) {
+            shared.assign(path, static_cast<size_t>(slash - path));
+            if (ZelRegCreateKey(parent, shared.c_str(), &sharedKey, useVirtual) != ERROR_SUCCESS) sharedKey = nullptr;
+        }
+        const LONG made = slash && sharedKey ? ZelRegCreateKey(sharedKey, slash + 1, &key, useVirtual)
+                                             : ZelRegCreateKey(parent, path, &key, useVirtual);
+        if (made != ERROR_SUCCESS) {
             result = 0;
             break;
         }
