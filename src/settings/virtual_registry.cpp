@@ -58,7 +58,7 @@ void VirtualRegChildIndex::Place(uint32_t hash, VirtualRegKey* child) {
 void VirtualRegChildIndex::Insert(VirtualRegKey* child) {
     // At most three quarters full; the new table is made whole before it replaces the old one.
     if ((used_ + 1) * 4 > slots_.size() * 3) {
-        std::vector<Slot> old(std::max<size_t>(16, slots_.size() * 2), Slot{0, nullptr});
+        decltype(slots_) old(std::max<size_t>(16, slots_.size() * 2), Slot{0, nullptr});
         old.swap(slots_);
         for (const Slot& slot : old)
             if (slot.key) Place(slot.hash, slot.key);
@@ -87,20 +87,42 @@ void VirtualRegChildIndex::Erase(const VirtualRegKey* child) {
     --used_;
 }
 
-VirtualRegKey* VirtualRegKeyList::front() {
-    while (!keys_[head_]) ++head_;
-    return keys_[head_].get();
+VirtualRegName& VirtualRegName::operator=(std::u16string_view text) {
+    char16_t* heap = nullptr;
+    if (text.size() > kInlineUnits) {
+        heap = new char16_t[text.size() + 1];
+        std::copy(text.begin(), text.end(), heap);
+        heap[text.size()] = 0;
+    } else {
+        std::copy(text.begin(), text.end(), inline_);
+        inline_[text.size()] = 0;
+    }
+    delete[] heap_;
+    heap_ = heap;
+    size_ = static_cast<uint32_t>(text.size());
+    return *this;
 }
 
-void VirtualRegKeyList::push_back(std::unique_ptr<VirtualRegKey> key) {
+VirtualRegKey* VirtualRegKeyList::front() {
+    while (!keys_[head_]) ++head_;
+    return keys_[head_];
+}
+
+bool VirtualRegKeyList::Holds(const VirtualRegKey* key) const { return key->list == this; }
+
+VirtualRegKey* VirtualRegKeyList::Make() {
+    if (keys_.size() == keys_.capacity()) keys_.reserve(std::max<size_t>(16, keys_.size() * 2));
+    auto* key = new VirtualRegKey();
     key->list = this;
     key->slot = keys_.size();
-    keys_.push_back(std::move(key));
+    keys_.push_back(key);
     ++live_;
+    return key;
 }
 
 void VirtualRegKeyList::Erase(VirtualRegKey* key) {
-    keys_[key->slot].reset();
+    keys_[key->slot] = nullptr;
+    delete key;
     --live_;
     if (live_ == 0) {
         clear();
@@ -111,14 +133,14 @@ void VirtualRegKeyList::Erase(VirtualRegKey* key) {
     for (size_t at = 0; at < keys_.size(); ++at) {
         if (!keys_[at]) continue;
         keys_[at]->slot = kept;
-        if (at != kept) keys_[kept] = std::move(keys_[at]);
-        ++kept;
+        keys_[kept++] = keys_[at];
     }
     keys_.resize(kept);
     head_ = 0;
 }
 
 void VirtualRegKeyList::clear() {
+    for (VirtualRegKey* key : keys_) delete key;
     keys_.clear();
     live_ = 0;
     head_ = 0;
@@ -137,10 +159,9 @@ VirtualRegKey* VirtualRegistry::ResolveHandle(HKEY handle) {
         if (handle != rows[i].handle) continue;
         currentHive = lists[i];
         if (currentHive->empty()) {
-            auto root = std::make_unique<VirtualRegKey>();
+            VirtualRegKey* root = currentHive->Make();
             root->name = rows[i].rootName;
             root->depth = 1;
-            currentHive->push_back(std::move(root));
         }
         return currentHive->front();
     }

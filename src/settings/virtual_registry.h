@@ -22,6 +22,8 @@
 #include <string_view>
 #include <vector>
 
+#include "settings/virtual_registry_memory.h"
+
 struct VirtualRegValue {
     std::u16string name;  // empty: a blank record, which the next write fills whatever its type
     DWORD type = 0;
@@ -52,13 +54,37 @@ private:
     size_t Home(uint32_t hash) const { return hash & (slots_.size() - 1); }
     void Place(uint32_t hash, VirtualRegKey* child);
 
-    std::vector<Slot> slots_;
+    std::vector<Slot, VirtualRegAllocator<Slot>> slots_;
     size_t used_ = 0;
 };
 
-// What a look-up reads (the name, the values) comes first, within the first 64 bytes.
+// A key's name, zero-terminated: a short one in the key itself, so that comparing it touches
+// nothing else; a longer one on the heap.
+class VirtualRegName {
+public:
+    VirtualRegName() = default;
+    VirtualRegName(const VirtualRegName&) = delete;
+    VirtualRegName& operator=(const VirtualRegName&) = delete;
+    ~VirtualRegName() { delete[] heap_; }
+    // Out of memory throws, leaving the name as it was.
+    VirtualRegName& operator=(std::u16string_view text);
+
+    const char16_t* c_str() const { return heap_ ? heap_ : inline_; }
+    size_t size() const { return size_; }
+    bool empty() const { return size_ == 0; }
+    operator std::u16string_view() const { return {c_str(), size_}; }
+    bool operator==(std::u16string_view other) const { return std::u16string_view(*this) == other; }
+
+private:
+    static constexpr size_t kInlineUnits = 13;
+    char16_t* heap_ = nullptr;
+    uint32_t size_ = 0;
+    char16_t inline_[kInlineUnits + 1] = {};
+};
+
+// What a look-up reads (the name, the values) comes first.
 struct VirtualRegKey {
-    std::u16string name;                  // the form of its first creation
+    VirtualRegName name;                  // the form of its first creation
     std::vector<VirtualRegValue> values;  // in order of first creation
     DWORD depth = 0;                      // 1 for a hive root
     DWORD subKeyCount = 0;
@@ -91,17 +117,22 @@ struct VirtualRegKey {
 class VirtualRegKeyList {
 public:
     constexpr VirtualRegKeyList() = default;
+    VirtualRegKeyList(const VirtualRegKeyList&) = delete;
+    VirtualRegKeyList& operator=(const VirtualRegKeyList&) = delete;
+    ~VirtualRegKeyList() { clear(); }
+
     bool empty() const { return live_ == 0; }
     // The first key of the list; the list must not be empty.
     VirtualRegKey* front();
-    void push_back(std::unique_ptr<VirtualRegKey> key);
-    bool Holds(const VirtualRegKey* key) const { return key->list == this; }
+    // A new, empty key at the end of the list. Out of memory throws, leaving the list as it was.
+    VirtualRegKey* Make();
+    bool Holds(const VirtualRegKey* key) const;
     // Destroys a key that the list holds.
     void Erase(VirtualRegKey* key);
     void clear();
 
 private:
-    std::vector<std::unique_ptr<VirtualRegKey>> keys_;
+    std::vector<VirtualRegKey*> keys_;
     size_t live_ = 0;
     size_t head_ = 0;  // no key stands in front of this place
 };

@@ -89,23 +89,19 @@ int VirtualRegistry::CreateKeyPath(VirtualRegKey* start, const WCHAR* path, Virt
     if (!currentHive) return 0;
 
     for (; more; more = parts.Next(part)) {
-        auto made = std::make_unique<VirtualRegKey>();
-        VirtualRegKey* child = made.get();
-        child->parent = current;
-        child->name = part;
-        child->depth = current->depth + 1;
-        // Filed in the list, then in the index, then linked: should a step throw, the tree is as
-        // it was for this key.
-        currentHive->push_back(std::move(made));
-        // The first new key's name was just looked for in vain; the others' parents are new.
-        if (current->childIndex) {
-            try {
-                current->childIndex->Insert(child);
-            } catch (...) {
-                currentHive->Erase(child);
-                throw;
-            }
+        // Filed in the list, named, filed in the index, then linked: should a step throw, the
+        // tree is as it was for this key.
+        VirtualRegKey* child = currentHive->Make();
+        try {
+            child->name = part;
+            // The first new key's name was just looked for in vain; the others' parents are new.
+            if (current->childIndex) current->childIndex->Insert(child);
+        } catch (...) {
+            currentHive->Erase(child);
+            throw;
         }
+        child->parent = current;
+        child->depth = current->depth + 1;
         ++current->subKeyCount;
         current->maxSubKeyNameLength = std::max(current->maxSubKeyNameLength, static_cast<DWORD>(part.size()));
         if (VirtualRegKey* last = current->lastChild) {

@@ -108,8 +108,10 @@ int VirtualRegistry::SetValueEx(HKEY handle, const WCHAR* name, DWORD type, cons
         // way leaves the key as it was.
         VirtualRegValue blank;
         SetValueRecord(blank, name, type, std::move(bytes));
-        // Room for four at once: most keys hold a few values, and each move of the array costs.
-        if (key->values.size() == key->values.capacity()) key->values.reserve(std::max<size_t>(4, key->values.size() * 2));
+        // One value, then room for four: most keys hold one or a few, and each move of the array
+        // costs.
+        if (!key->values.empty() && key->values.size() == key->values.capacity())
+            key->values.reserve(std::max<size_t>(4, key->values.size() * 2));
         key->values.push_back(std::move(blank));
         ++key->valueCount;
         key->maxValueNameLength = std::max(key->maxValueNameLength, static_cast<DWORD>(wcslen(name)));
