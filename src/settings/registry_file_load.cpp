@@ -46,7 +46,7 @@ bool GetText(FILE* stream, WCHAR* text, bool name = false) {
     DWORD length = 0;
     if (!ZelRegFileGetNumber(stream, &length) || length >= kZelRegNameUnits) return false;
     char ansi[kZelRegNameUnits];
-    if (fread_unlocked(ansi, 1, length, stream) != length) return false;
+    if (!ZelRegFileGetBytes(stream, ansi, length)) return false;
     ansi[length] = 0;
     if (!loadTexts)
         ZelRegFileTexts().Widen(ansi, text, kZelRegNameUnits);
@@ -112,7 +112,7 @@ int CZelRegistry::__LoadKeyValue(FILE* stream, DWORD* capacity, WCHAR* name, DWO
         *data = grown;
         *capacity = *size;
     }
-    return fread_unlocked(*data, 1, *size, stream) == *size;
+    return ZelRegFileGetBytes(stream, *data, *size);
 }
 
 int CZelRegistry::_WriteRegFromFile(FILE* stream, HKEY parent) {

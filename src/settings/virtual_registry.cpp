@@ -87,22 +87,6 @@ void VirtualRegChildIndex::Erase(const VirtualRegKey* child) {
     --used_;
 }
 
-VirtualRegName& VirtualRegName::operator=(std::u16string_view text) {
-    char16_t* heap = nullptr;
-    if (text.size() > kInlineUnits) {
-        heap = new char16_t[text.size() + 1];
-        std::copy(text.begin(), text.end(), heap);
-        heap[text.size()] = 0;
-    } else {
-        std::copy(text.begin(), text.end(), inline_);
-        inline_[text.size()] = 0;
-    }
-    delete[] heap_;
-    heap_ = heap;
-    size_ = static_cast<uint32_t>(text.size());
-    return *this;
-}
-
 VirtualRegKey* VirtualRegKeyList::front() {
     while (!keys_[head_]) ++head_;
     return keys_[head_];

@@ -23,11 +23,12 @@
 #include <vector>
 
 #include "settings/virtual_registry_memory.h"
+#include "settings/virtual_registry_small.h"
 
 struct VirtualRegValue {
     std::u16string name;  // empty: a blank record, which the next write fills whatever its type
     DWORD type = 0;
-    std::vector<BYTE> data;  // as the caller gave it, no terminator added
+    VirtualRegBytes data;  // as the caller gave it, no terminator added
 };
 
 struct VirtualRegKey;
@@ -56,30 +57,6 @@ private:
 
     std::vector<Slot, VirtualRegAllocator<Slot>> slots_;
     size_t used_ = 0;
-};
-
-// A key's name, zero-terminated: a short one in the key itself, so that comparing it touches
-// nothing else; a longer one on the heap.
-class VirtualRegName {
-public:
-    VirtualRegName() = default;
-    VirtualRegName(const VirtualRegName&) = delete;
-    VirtualRegName& operator=(const VirtualRegName&) = delete;
-    ~VirtualRegName() { delete[] heap_; }
-    // Out of memory throws, leaving the name as it was.
-    VirtualRegName& operator=(std::u16string_view text);
-
-    const char16_t* c_str() const { return heap_ ? heap_ : inline_; }
-    size_t size() const { return size_; }
-    bool empty() const { return size_ == 0; }
-    operator std::u16string_view() const { return {c_str(), size_}; }
-    bool operator==(std::u16string_view other) const { return std::u16string_view(*this) == other; }
-
-private:
-    static constexpr size_t kInlineUnits = 13;
-    char16_t* heap_ = nullptr;
-    uint32_t size_ = 0;
-    char16_t inline_[kInlineUnits + 1] = {};
 };
 
 // What a look-up reads (the name, the values) comes first.

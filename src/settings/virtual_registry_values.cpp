@@ -63,7 +63,7 @@ void CopyOut(const VirtualRegValue& value, BYTE* data, DWORD room) {
 }
 
 // A blank record takes all; a filled one takes new data of its own type only.
-int SetValueRecord(VirtualRegValue& record, const WCHAR* name, DWORD type, std::vector<BYTE>&& data) {
+int SetValueRecord(VirtualRegValue& record, const WCHAR* name, DWORD type, VirtualRegBytes&& data) {
     if (record.name.empty()) {
         record.name = name;
         record.type = type;
@@ -101,7 +101,7 @@ int VirtualRegistry::SetValueEx(HKEY handle, const WCHAR* name, DWORD type, cons
         return 1;
     }
     if (!data && size > 0) return 0;
-    std::vector<BYTE> bytes(data, data + (data ? size : 0));
+    VirtualRegBytes bytes(data, data ? size : 0);
     auto record = FindValue(key, name);
     if (record == key->values.end()) {
         // A new record is filled before it is appended, so that running out of memory on the
