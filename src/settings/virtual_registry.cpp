@@ -56,8 +56,8 @@ void VirtualRegChildIndex::Place(uint32_t hash, VirtualRegKey* child) {
 }
 
 void VirtualRegChildIndex::Insert(VirtualRegKey* child) {
-    // At most three quarters full; the new table is made whole before it replaces the old one.
-    if ((used_ + 1) * 4 > slots_.size() * 3) {
+    // At most seven eighths full; the new table is made whole before it replaces the old one.
+    if ((used_ + 1) * 8 > slots_.size() * 7) {
         decltype(slots_) old(std::max<size_t>(16, slots_.size() * 2), Slot{0, nullptr});
         old.swap(slots_);
         for (const Slot& slot : old)
