@@ -19,6 +19,7 @@
 #include <zel/settings.h>
 
 #include "bench_temp_file.h"
+#include "print_goal.h"
 #include "platform/win32.h"
 #include "ratio_reporter.h"
 
@@ -175,6 +176,15 @@ const std::pair<const char*, Operation> kOperations[] = {
     {"by name in order", ByNameInOrder}, {"by name at random", ByNameAtRandom}, {"by index", ByIndex},
     {"load", Load}, {"save", Save}};
 
+// The cost of an entry at 3,000 sections over that at 10, or 0 when either did not run.
+double Growth(const RatioReporter& reporter, const char* operation) {
+    double perEntry[2] = {};
+    for (int i = 0; i < 2; ++i)
+        perEntry[i] = reporter.Cpu(std::string(operation) + "/" + std::to_string(kSectionCounts[i])) /
+                      (double(kSectionCounts[i]) * kIds);
+    return perEntry[0] > 0 && perEntry[1] > 0 ? perEntry[1] / perEntry[0] : 0;
+}
+
 void PrintPerEntry(const RatioReporter& reporter) {
     std::printf("\nCPU time an entry, ns (ratio: 3,000 sections over 10)\n%-18s", "");
     for (int sections : kSectionCounts) std::printf(" %10d", sections);
@@ -189,8 +199,9 @@ void PrintPerEntry(const RatioReporter& reporter) {
             if (ms == 0) std::printf(" %10s", "-");
             else std::printf(" %10.1f", perEntry[i]);
         }
-        if (perEntry[0] == 0 || perEntry[1] == 0) std::printf(" %10s\n", "-");
-        else std::printf(" %10.3f\n", perEntry[1] / perEntry[0]);
+        const double growth = Growth(reporter, operation);
+        if (growth == 0) std::printf(" %10s\n", "-");
+        else std::printf(" %10.3f\n", growth);
     }
     const double file = reporter.Cpu("read the whole file");
     std::printf("\nProfile file of %d keys, CPU µs a call (ratio: over one read of the whole file)\n",
@@ -200,6 +211,18 @@ void PrintPerEntry(const RatioReporter& reporter) {
         if (ns == 0 || file == 0) continue;
         std::printf("%-28s %10.2f %10.3f\n", call, ns / 1e3, ns / file);
     }
+}
+
+// Look-ups by name flat (within 1.5 times) from 10 sections to 3,000, load and save linear, and a
+// profile read at most twice one read of the whole file.
+void PrintGoals(const RatioReporter& reporter) {
+    for (const char* operation : {"by name in order", "by name at random", "load", "save"})
+        if (const double growth = Growth(reporter, operation); growth > 0)
+            PrintGoal(std::string(operation) + ", 3,000 sections over 10, an entry", growth, 1.5);
+    const double file = reporter.Cpu("read the whole file");
+    for (const char* call : {"ZelGetPrivateProfileString", "ZelGetPrivateProfileInt"})
+        if (const double ns = reporter.Cpu(call); ns > 0 && file > 0)
+            PrintGoal(std::string(call) + ", 10,000 keys, over one read of the file", ns / file, 2.0);
 }
 
 }  // namespace
@@ -217,6 +240,7 @@ int main(int argc, char** argv) {
     RatioReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
     PrintPerEntry(reporter);
+    PrintGoals(reporter);
     benchmark::Shutdown();
     return 0;
 }

@@ -21,6 +21,7 @@
 #include <vector>
 
 #include "platform/win32.h"
+#include "print_goal.h"
 #include "ratio_reporter.h"
 
 namespace {
@@ -183,6 +184,60 @@ void BM_StartWithHive(benchmark::State& state) {
 }
 BENCHMARK(BM_StartWithHive)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond)->MinTime(1.0);
 
+// A key with state.range(0) values and as many sub-keys, walked by rising index in one process:
+// the cost of an item stays flat from 1,000 to 10,000 when each call goes on from the last.
+HKEY EnumerationKey(int count) {
+    UseRegistry("enumeration");
+    const std::u16string path = Number(u"Software\\Bench\\Enumerate", count);
+    HKEY key = nullptr;
+    if (ZelRegOpenKeyEx(HKEY_CURRENT_USER, path.c_str(), 0, KEY_ALL_ACCESS, &key, kSystem) == ERROR_SUCCESS) return key;
+    key = CreateKey(path);
+    for (int i = 0; i < count; ++i) {
+        SetDword(key, Number(u"Value", i), static_cast<DWORD>(i));
+        HKEY sub = nullptr;
+        ZelRegCreateKeyEx(key, Number(u"Key", i).c_str(), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &sub, nullptr,
+                          kSystem);
+        ZelRegCloseKey(sub, kSystem);
+    }
+    return key;
+}
+
+void BM_EnumValues(benchmark::State& state) {
+    const int count = static_cast<int>(state.range(0));
+    HKEY key = EnumerationKey(count);
+    WCHAR name[64];
+    BYTE data[16];
+    for (auto _ : state) {
+        int seen = 0;
+        for (DWORD index = 0;; ++index) {
+            DWORD capacity = 64, size = sizeof data, type = 0;
+            if (ZelRegEnumValue(key, index, name, &capacity, nullptr, &type, data, &size, kSystem) != ERROR_SUCCESS)
+                break;
+            ++seen;
+        }
+        if (seen != count) state.SkipWithError("values missed");
+    }
+    ZelRegCloseKey(key, kSystem);
+    state.counters["per_item"] =
+        benchmark::Counter(count, benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
+}
+BENCHMARK(BM_EnumValues)->Arg(1000)->Arg(10000)->Unit(benchmark::kMillisecond);
+
+void BM_EnumKeys(benchmark::State& state) {
+    const int count = static_cast<int>(state.range(0));
+    HKEY key = EnumerationKey(count);
+    WCHAR name[64];
+    for (auto _ : state) {
+        int seen = 0;
+        while (ZelRegEnumKey(key, static_cast<DWORD>(seen), name, 64, kSystem) == ERROR_SUCCESS) ++seen;
+        if (seen != count) state.SkipWithError("keys missed");
+    }
+    ZelRegCloseKey(key, kSystem);
+    state.counters["per_item"] =
+        benchmark::Counter(count, benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
+}
+BENCHMARK(BM_EnumKeys)->Arg(1000)->Arg(10000)->Unit(benchmark::kMillisecond);
+
 // Runs body in each of n processes, which start together, and gives the seconds they took and
 // whether every one ended with status 0.
 template <typename Body>
@@ -327,6 +382,15 @@ int main(int argc, char** argv) {
                 reporter.Time("BM_EightWriters/iterations:3/manual_time") / 1000);
     std::printf("  writers killed: %d trials, %d opened, %d of %d acknowledged values lost, %d files left\n",
                 kills.trials, kills.opened, kills.lost, kills.acknowledged, kills.leftovers);
+    // CPU time: the walks run in this process alone.
+    std::vector<std::pair<std::string, double>> growth;
+    for (const char* walk : {"BM_EnumValues", "BM_EnumKeys"}) {
+        const double small = reporter.Cpu(std::string(walk) + "/1000"), large = reporter.Cpu(std::string(walk) + "/10000");
+        std::printf("  %s by index, CPU µs an item at 1,000 / 10,000: %.2f / %.2f (ratio %.3f)\n",
+                    walk + 3, small, large / 10, small > 0 ? large / 10 / small : 0.0);
+        if (small > 0 && large > 0) growth.emplace_back(walk + 3, large / 10 / small);
+    }
+    for (const auto& [walk, ratio] : growth) PrintGoal(walk + " by index, 10,000 over 1,000, an item", ratio, 1.5);
     benchmark::Shutdown();
     std::filesystem::remove_all(Root().path);
     return 0;

@@ -41,7 +41,7 @@ LONG ZelRegCreateKeyEx(HKEY key, const WCHAR* subKey, DWORD reserved, WCHAR* key
 
 LONG ZelRegEnumKey(HKEY key, DWORD index, WCHAR* name, DWORD nameLength, int useVirtual) {
     if (useVirtual) {
-        WCHAR local[kZelRegNameUnits] = {};
+        WCHAR local[kZelRegNameUnits];  // filled on success, read only then
         if (!ZelVirtualRegistry().EnumKey(key, index, local, kZelRegNameUnits)) return -1;
         if (name) wcscpy(name, local);
         return ERROR_SUCCESS;
@@ -57,7 +57,7 @@ LONG ZelRegQueryInfoKey(HKEY key, WCHAR* keyClass, LPDWORD classLength, LPDWORD 
                         LPDWORD largestValueData, LPDWORD securityDescriptorSize, PFILETIME lastWriteTime,
                         int useVirtual) {
     if (useVirtual) {
-        WCHAR local[kZelRegNameUnits] = {};
+        WCHAR local[kZelRegNameUnits];  // filled on success, read only then
         if (!ZelVirtualRegistry().QueryInfoKey(key, local, classLength, reserved, subKeys, longestSubKeyName,
                                                longestClass, values, longestValueName, largestValueData,
                                                securityDescriptorSize, lastWriteTime))

@@ -25,7 +25,7 @@ LONG ZelRegEnumValue(HKEY key, DWORD index, WCHAR* name, LPDWORD nameLength, LPD
         // name passes a local buffer, so the capacity is cut to that buffer's.
         if (!nameLength || *nameLength == 0) return -1;
         const DWORD capacity = std::min(*nameLength, kZelRegNameUnits) - 1;
-        WCHAR local[kZelRegNameUnits] = {};
+        WCHAR local[kZelRegNameUnits];  // filled on success, read only then
         if (!ZelVirtualRegistry().EnumValue(key, index, local, capacity, type, data, dataSize)) return -1;
         if (name) wcscpy(name, local);
         return ERROR_SUCCESS;

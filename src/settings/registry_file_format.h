@@ -14,9 +14,21 @@ inline bool ZelRegFilePutNumber(FILE* stream, DWORD value) {
     return std::fwrite(bytes, 1, 4, stream) == 4;
 }
 
+// Bytes from a stream that only the caller's thread reads: a few at a time straight from its
+// buffer, more through fread. Gives false when the stream ends first.
+inline bool ZelRegFileGetBytes(FILE* stream, void* bytes, size_t count) {
+    if (count > 32) return fread_unlocked(bytes, 1, count, stream) == count;
+    for (size_t at = 0; at < count; ++at) {
+        const int byte = getc_unlocked(stream);
+        if (byte == EOF) return false;
+        static_cast<unsigned char*>(bytes)[at] = static_cast<unsigned char>(byte);
+    }
+    return true;
+}
+
 inline bool ZelRegFileGetNumber(FILE* stream, DWORD* value) {
     unsigned char bytes[4];
-    if (std::fread(bytes, 1, 4, stream) != 4) return false;
+    if (!ZelRegFileGetBytes(stream, bytes, 4)) return false;
     *value = DWORD(bytes[0]) | DWORD(bytes[1]) << 8 | DWORD(bytes[2]) << 16 | DWORD(bytes[3]) << 24;
     return true;
 }

@@ -12,6 +12,8 @@
 #include <cstdlib>
 #include <cstring>
 #include <iterator>
+#include <string>
+#include <string_view>
 
 #include "settings/registry_adapters.h"
 #include "settings/registry_class_internal.h"
@@ -27,7 +29,8 @@ constexpr DWORD kFirstDataBytes = 256;
 // process, so only one load may run at a time.
 int leafReached = 0;
 
-// Where the file being loaded ends, measured when it was opened.
+// The stream of a load is its own: its reads take no lock. Where the file being loaded ends,
+// measured when it was opened.
 thread_local long loadEnd = 0;
 
 DWORD BytesLeft(FILE* stream) {
@@ -42,8 +45,9 @@ thread_local ZelRegFileTexts* loadTexts = nullptr;
 bool GetText(FILE* stream, WCHAR* text, bool name = false) {
     DWORD length = 0;
     if (!ZelRegFileGetNumber(stream, &length) || length >= kZelRegNameUnits) return false;
-    char ansi[kZelRegNameUnits] = {};
-    if (std::fread(ansi, 1, length, stream) != length) return false;
+    char ansi[kZelRegNameUnits];
+    if (!ZelRegFileGetBytes(stream, ansi, length)) return false;
+    ansi[length] = 0;
     if (!loadTexts)
         ZelRegFileTexts().Widen(ansi, text, kZelRegNameUnits);
     else if (name)
@@ -108,7 +112,7 @@ int CZelRegistry::__LoadKeyValue(FILE* stream, DWORD* capacity, WCHAR* name, DWO
         *data = grown;
         *capacity = *size;
     }
-    return std::fread(*data, 1, *size, stream) == *size;
+    return ZelRegFileGetBytes(stream, *data, *size);
 }
 
 int CZelRegistry::_WriteRegFromFile(FILE* stream, HKEY parent) {
@@ -123,9 +127,21 @@ int CZelRegistry::_WriteRegFromFile(FILE* stream, HKEY parent) {
     DWORD count = 0;
     int result = 1;
     bool more = true;
+    // Sections come children first, so that a run of them shares the path up to its last back
+    // slash. In the tree, where nothing else deletes keys meanwhile, the key at that path is kept
+    // from one section to the next and only the last component is looked for below it.
+    std::u16string shared;
+    HKEY sharedKey = nullptr;
     while (more && __LoadSubKeyAndGetCntValue(stream, path, &count)) {
         HKEY key = nullptr;
-        if (ZelRegCreateKey(parent, path, &key, useVirtual) != ERROR_SUCCESS) {
+        const WCHAR* slash = useVirtual ? wcsrchr(path, u'\\') : nullptr;
+        if (slash && !(sharedKey && shared == std::u16string_view(path, static_cast<size_t>(slash - path)))) {
+            shared.assign(path, static_cast<size_t>(slash - path));
+            if (ZelRegCreateKey(parent, shared.c_str(), &sharedKey, useVirtual) != ERROR_SUCCESS) sharedKey = nullptr;
+        }
+        const LONG made = slash && sharedKey ? ZelRegCreateKey(sharedKey, slash + 1, &key, useVirtual)
+                                             : ZelRegCreateKey(parent, path, &key, useVirtual);
+        if (made != ERROR_SUCCESS) {
             result = 0;
             break;
         }

@@ -30,14 +30,14 @@ uint32_t HashOf(std::u16string_view name) {
     return static_cast<uint32_t>(hash ^ (hash >> 32));
 }
 
-bool SameName(std::u16string_view a, std::u16string_view b) {
+}  // namespace
+
+bool VirtualRegSameName(std::u16string_view a, std::u16string_view b) {
     if (a.size() != b.size()) return false;
     for (size_t i = 0; i < a.size(); ++i)
         if (Fold(a[i]) != Fold(b[i])) return false;
     return true;
 }
-
-}  // namespace
 
 VirtualRegKey* VirtualRegChildIndex::Find(std::u16string_view name) const {
     if (slots_.empty()) return nullptr;
@@ -45,7 +45,7 @@ VirtualRegKey* VirtualRegChildIndex::Find(std::u16string_view name) const {
     for (size_t at = Home(hash);; at = (at + 1) & (slots_.size() - 1)) {
         const Slot& slot = slots_[at];
         if (!slot.key) return nullptr;
-        if (slot.hash == hash && SameName(slot.key->name, name)) return slot.key;
+        if (slot.hash == hash && VirtualRegSameName(slot.key->name, name)) return slot.key;
     }
 }
 
@@ -56,9 +56,9 @@ void VirtualRegChildIndex::Place(uint32_t hash, VirtualRegKey* child) {
 }
 
 void VirtualRegChildIndex::Insert(VirtualRegKey* child) {
-    // At most three quarters full; the new table is made whole before it replaces the old one.
-    if ((used_ + 1) * 4 > slots_.size() * 3) {
-        std::vector<Slot> old(std::max<size_t>(16, slots_.size() * 2), Slot{0, nullptr});
+    // At most seven eighths full; the new table is made whole before it replaces the old one.
+    if ((used_ + 1) * 8 > slots_.size() * 7) {
+        decltype(slots_) old(std::max<size_t>(16, slots_.size() * 2), Slot{0, nullptr});
         old.swap(slots_);
         for (const Slot& slot : old)
             if (slot.key) Place(slot.hash, slot.key);
@@ -89,18 +89,24 @@ void VirtualRegChildIndex::Erase(const VirtualRegKey* child) {
 
 VirtualRegKey* VirtualRegKeyList::front() {
     while (!keys_[head_]) ++head_;
-    return keys_[head_].get();
+    return keys_[head_];
 }
 
-void VirtualRegKeyList::push_back(std::unique_ptr<VirtualRegKey> key) {
+bool VirtualRegKeyList::Holds(const VirtualRegKey* key) const { return key->list == this; }
+
+VirtualRegKey* VirtualRegKeyList::Make() {
+    if (keys_.size() == keys_.capacity()) keys_.reserve(std::max<size_t>(16, keys_.size() * 2));
+    auto* key = new VirtualRegKey();
     key->list = this;
     key->slot = keys_.size();
-    keys_.push_back(std::move(key));
+    keys_.push_back(key);
     ++live_;
+    return key;
 }
 
 void VirtualRegKeyList::Erase(VirtualRegKey* key) {
-    keys_[key->slot].reset();
+    keys_[key->slot] = nullptr;
+    delete key;
     --live_;
     if (live_ == 0) {
         clear();
@@ -111,14 +117,14 @@ void VirtualRegKeyList::Erase(VirtualRegKey* key) {
     for (size_t at = 0; at < keys_.size(); ++at) {
         if (!keys_[at]) continue;
         keys_[at]->slot = kept;
-        if (at != kept) keys_[kept] = std::move(keys_[at]);
-        ++kept;
+        keys_[kept++] = keys_[at];
     }
     keys_.resize(kept);
     head_ = 0;
 }
 
 void VirtualRegKeyList::clear() {
+    for (VirtualRegKey* key : keys_) delete key;
     keys_.clear();
     live_ = 0;
     head_ = 0;
@@ -137,10 +143,9 @@ VirtualRegKey* VirtualRegistry::ResolveHandle(HKEY handle) {
         if (handle != rows[i].handle) continue;
         currentHive = lists[i];
         if (currentHive->empty()) {
-            auto root = std::make_unique<VirtualRegKey>();
+            VirtualRegKey* root = currentHive->Make();
             root->name = rows[i].rootName;
             root->depth = 1;
-            currentHive->push_back(std::move(root));
         }
         return currentHive->front();
     }

@@ -22,14 +22,20 @@
 #include <string_view>
 #include <vector>
 
+#include "settings/virtual_registry_memory.h"
+#include "settings/virtual_registry_small.h"
+
 struct VirtualRegValue {
     std::u16string name;  // empty: a blank record, which the next write fills whatever its type
     DWORD type = 0;
-    std::vector<BYTE> data;  // as the caller gave it, no terminator added
+    VirtualRegBytes data;  // as the caller gave it, no terminator added
 };
 
 struct VirtualRegKey;
 class VirtualRegKeyList;
+
+// Whether two key names are one: equal once a to z are folded to A to Z, as _ustricmp folds.
+bool VirtualRegSameName(std::u16string_view a, std::u16string_view b);
 
 // The children of one key by name, folded as _ustricmp folds (a to z to A to Z, every other unit
 // as it is), so that two names equal there are one name here. Open addressing with linear probing
@@ -49,20 +55,21 @@ private:
     size_t Home(uint32_t hash) const { return hash & (slots_.size() - 1); }
     void Place(uint32_t hash, VirtualRegKey* child);
 
-    std::vector<Slot> slots_;
+    std::vector<Slot, VirtualRegAllocator<Slot>> slots_;
     size_t used_ = 0;
 };
 
+// What a look-up reads (the name, the values) comes first.
 struct VirtualRegKey {
-    std::u16string name;  // the form of its first creation
-    DWORD depth = 0;      // 1 for a hive root
-    std::u16string defaultValue;
+    VirtualRegName name;                  // the form of its first creation
+    std::vector<VirtualRegValue> values;  // in order of first creation
+    DWORD depth = 0;                      // 1 for a hive root
     DWORD subKeyCount = 0;
+    std::u16string defaultValue;
     DWORD maxSubKeyNameLength = 0;  // characters; never falls
     DWORD valueCount = 0;
     DWORD maxValueNameLength = 0;  // characters; never falls
     DWORD maxValueDataLength = 0;  // bytes; never falls
-    std::vector<VirtualRegValue> values;  // in order of first creation
     VirtualRegKey* parent = nullptr;
     VirtualRegKey* firstChild = nullptr;
     VirtualRegKey* nextSibling = nullptr;
@@ -87,17 +94,22 @@ struct VirtualRegKey {
 class VirtualRegKeyList {
 public:
     constexpr VirtualRegKeyList() = default;
+    VirtualRegKeyList(const VirtualRegKeyList&) = delete;
+    VirtualRegKeyList& operator=(const VirtualRegKeyList&) = delete;
+    ~VirtualRegKeyList() { clear(); }
+
     bool empty() const { return live_ == 0; }
     // The first key of the list; the list must not be empty.
     VirtualRegKey* front();
-    void push_back(std::unique_ptr<VirtualRegKey> key);
-    bool Holds(const VirtualRegKey* key) const { return key->list == this; }
+    // A new, empty key at the end of the list. Out of memory throws, leaving the list as it was.
+    VirtualRegKey* Make();
+    bool Holds(const VirtualRegKey* key) const;
     // Destroys a key that the list holds.
     void Erase(VirtualRegKey* key);
     void clear();
 
 private:
-    std::vector<std::unique_ptr<VirtualRegKey>> keys_;
+    std::vector<VirtualRegKey*> keys_;
     size_t live_ = 0;
     size_t head_ = 0;  // no key stands in front of this place
 };
@@ -162,7 +174,7 @@ private:
     int FindKey(VirtualRegKey* start, const WCHAR* path, VirtualRegKey** key);
     // The sub-key at index, or null.
     static VirtualRegKey* ChildAt(VirtualRegKey* key, DWORD index);
-    static VirtualRegKey* FindChild(VirtualRegKey* parent, const WCHAR* name);
+    static VirtualRegKey* FindChild(VirtualRegKey* parent, std::u16string_view name);
     int CreateKeyPath(VirtualRegKey* start, const WCHAR* path, VirtualRegKey** key);
 
     // The first field is the hive that the last predefined handle selected.

@@ -63,7 +63,7 @@ void CopyOut(const VirtualRegValue& value, BYTE* data, DWORD room) {
 }
 
 // A blank record takes all; a filled one takes new data of its own type only.
-int SetValueRecord(VirtualRegValue& record, const WCHAR* name, DWORD type, std::vector<BYTE>&& data) {
+int SetValueRecord(VirtualRegValue& record, const WCHAR* name, DWORD type, VirtualRegBytes&& data) {
     if (record.name.empty()) {
         record.name = name;
         record.type = type;
@@ -101,13 +101,17 @@ int VirtualRegistry::SetValueEx(HKEY handle, const WCHAR* name, DWORD type, cons
         return 1;
     }
     if (!data && size > 0) return 0;
-    std::vector<BYTE> bytes(data, data + (data ? size : 0));
+    VirtualRegBytes bytes(data, data ? size : 0);
     auto record = FindValue(key, name);
     if (record == key->values.end()) {
         // A new record is filled before it is appended, so that running out of memory on the
         // way leaves the key as it was.
         VirtualRegValue blank;
         SetValueRecord(blank, name, type, std::move(bytes));
+        // One value, then room for four: most keys hold one or a few, and each move of the array
+        // costs.
+        if (!key->values.empty() && key->values.size() == key->values.capacity())
+            key->values.reserve(std::max<size_t>(4, key->values.size() * 2));
         key->values.push_back(std::move(blank));
         ++key->valueCount;
         key->maxValueNameLength = std::max(key->maxValueNameLength, static_cast<DWORD>(wcslen(name)));

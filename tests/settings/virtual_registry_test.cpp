@@ -256,4 +256,56 @@ TEST(VirtualRegistry, ManyChildrenAnswerAsAPlainList) {
     EXPECT_EQ(model.size(), Key(parent)->subKeyCount);
 }
 
+// Names about as long as the key holds in place, and data about as long as a value holds: each
+// reads back whole through every call, after records move and data changes its length.
+TEST(VirtualRegistry, NamesAndDataAtTheEdgesOfWhatAKeyHoldsInPlace) {
+    VirtualRegistry tree;
+    HKEY parent = Create(tree, HKEY_CURRENT_USER, u"Edges");
+    for (size_t length : {12, 13, 14, 40}) {
+        std::u16string name(length, u'n');
+        name[0] = u'N';
+        HKEY made = Create(tree, parent, name.c_str());
+        std::u16string other = name;
+        other[0] = u'n';
+        HKEY opened = nullptr;
+        ASSERT_EQ(1, tree.OpenKey(parent, other.c_str(), &opened));
+        EXPECT_EQ(made, opened);
+        EXPECT_EQ(name, Key(made)->name);
+    }
+    WCHAR listed[64];
+    ASSERT_EQ(1, tree.EnumKey(parent, 3, listed, 64));
+    EXPECT_EQ(u"N" + std::u16string(39, u'n'), listed);
+
+    // Values of 0 to 100 bytes; the first one goes, so the others move down.
+    const std::vector<size_t> sizes = {5, 0, 23, 24, 25, 100};
+    auto bytes = [](size_t size, int seed) {
+        std::vector<BYTE> data(size);
+        for (size_t i = 0; i < size; ++i) data[i] = BYTE(i * 7 + seed);
+        return data;
+    };
+    const std::u16string names[] = {u"gone", u"v0", u"v23", u"v24", u"v25", u"v100"};
+    for (size_t i = 0; i < sizes.size(); ++i) {
+        const std::vector<BYTE> data = bytes(sizes[i], 1);
+        ASSERT_EQ(1, tree.SetValueEx(parent, names[i].c_str(), REG_BINARY, data.data(), DWORD(data.size())));
+    }
+    ASSERT_EQ(1, tree.DeleteValue(parent, u"gone"));
+    // Long data made short and short made long, in place.
+    const std::vector<BYTE> shorter = bytes(3, 9), longer = bytes(60, 9);
+    ASSERT_EQ(1, tree.SetValueEx(parent, u"v100", REG_BINARY, shorter.data(), DWORD(shorter.size())));
+    ASSERT_EQ(1, tree.SetValueEx(parent, u"v0", REG_BINARY, longer.data(), DWORD(longer.size())));
+    const std::vector<std::vector<BYTE>> expected = {longer, bytes(23, 1), bytes(24, 1), bytes(25, 1), shorter};
+    for (size_t i = 0; i < expected.size(); ++i) {
+        BYTE data[128] = {};
+        DWORD size = sizeof data, type = 0;
+        ASSERT_EQ(1, tree.QueryValueEx(parent, names[i + 1].c_str(), &type, data, &size)) << i;
+        EXPECT_EQ(expected[i], std::vector<BYTE>(data, data + size)) << i;
+        WCHAR name[16];
+        BYTE listedData[128] = {};
+        DWORD listedSize = sizeof listedData;
+        ASSERT_EQ(1, tree.EnumValue(parent, DWORD(i), name, 15, &type, listedData, &listedSize)) << i;
+        EXPECT_EQ(names[i + 1], name);
+        EXPECT_EQ(expected[i], std::vector<BYTE>(listedData, listedData + listedSize)) << i;
+    }
+}
+
 }  // namespace

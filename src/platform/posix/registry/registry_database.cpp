@@ -62,6 +62,11 @@ public:
         if (size) memcpy(text.data(), data, size * sizeof(char16_t));
         return text;
     }
+    // A blob as bytes in a string, as folded names are kept.
+    std::string BytesAsText(int column) const {
+        const char* data = static_cast<const char*>(sqlite3_column_blob(stmt_, column));
+        return data ? std::string(data, static_cast<size_t>(sqlite3_column_bytes(stmt_, column))) : std::string();
+    }
     std::vector<BYTE> BytesAt(int column) const {
         auto data = static_cast<const BYTE*>(sqlite3_column_blob(stmt_, column));
         size_t size = static_cast<size_t>(sqlite3_column_bytes(stmt_, column));
@@ -82,6 +87,13 @@ int64_t FreshId() {
 
 // The columns that make a KeyRow, after its id: parent, name, class, written.
 #define ZEL_KEY_COLUMNS "parent, name, class, written"
+
+// The columns name, type and data, first in the row.
+void ReadValueColumns(const Query& q, RegValue& value) {
+    value.name = q.TextAt(0);
+    value.type = static_cast<DWORD>(q.IntAt(1));
+    value.data = q.BytesAt(2);
+}
 
 void ReadKeyColumns(const Query& q, int first, KeyRow& row) {
     row.parent = q.IntAt(first);
@@ -144,25 +156,52 @@ void HiveDatabase::WatchChanges() {
     if (!volatilePath.empty()) Watch(watched_[1], volatilePath);
 }
 
-bool HiveDatabase::Changed(Watched& watched) {
+bool HiveDatabase::Differs(const Watched& watched, uint64_t (&now)[6]) {
     if (!watched.header) return true;
-    uint64_t now[6];
     const auto* words = reinterpret_cast<const uint64_t*>(watched.header);
     for (int i = 0; i < 6; ++i) now[i] = __atomic_load_n(words + i, __ATOMIC_ACQUIRE);
-    if (memcmp(now, watched.seen, sizeof now) == 0) return false;
-    memcpy(watched.seen, now, sizeof now);
+    return memcmp(now, watched.seen, sizeof now) != 0;
+}
+
+bool HiveDatabase::Changed(Watched& watched) {
+    uint64_t now[6];
+    if (!Differs(watched, now)) return false;
+    if (watched.header) memcpy(watched.seen, now, sizeof now);
     return true;
 }
 
 void HiveDatabase::CheckForChanges() {
     bool changed = Changed(watched_[0]);
     if (!volatilePath.empty()) changed = Changed(watched_[1]) || changed;
-    if (changed || keys_.size() + values_.size() > kMostKept) Forget();
+    if (changed || keys_.size() + values_.size() + cursors_.size() > kMostKept) Forget();
+}
+
+bool HiveDatabase::Unchanged() const {
+    uint64_t now[6];
+    return !Differs(watched_[0], now) && (volatilePath.empty() || !Differs(watched_[1], now));
 }
 
 void HiveDatabase::Forget() {
     keys_.clear();
     values_.clear();
+    cursors_.clear();
+}
+
+// A cursor serves only a call that reads, for its own index again (a caller that asks for the
+// size first) or for the next one, and only while no process has committed since the call
+// checked: the step from it is then taken in the same state of the databases as the walk so far,
+// and finds what counting from the start would.
+bool HiveDatabase::CursorAt(const std::string& kept, size_t index, Cursor*& cursor) {
+    cursor = nullptr;
+    if (!caching) return false;
+    auto found = cursors_.find(kept);
+    if (found == cursors_.end() || (found->second.index != index && found->second.index + 1 != index)) return false;
+    cursor = &found->second;
+    return true;
+}
+
+void HiveDatabase::KeepCursor(std::string kept, Cursor cursor) {
+    if (caching) cursors_.insert_or_assign(std::move(kept), std::move(cursor));
 }
 
 void HiveDatabase::Fail(int code) {
@@ -250,13 +289,50 @@ bool HiveDatabase::FindChild(int64_t parent, std::u16string_view name, KeyRow* r
     return exists;
 }
 
+bool HiveDatabase::ChildFrom(int64_t parent, const std::string& from, bool past, std::string& folded,
+                             std::u16string& name) {
+    // Each database in its index from the cursor on, and the lower of the two.
+    static const char* const kPast[] = {
+        "SELECT folded, name FROM main.keys WHERE parent = ?1 AND folded > ?2 ORDER BY folded LIMIT 1",
+        "SELECT folded, name FROM vol.keys WHERE parent = ?1 AND folded > ?2 ORDER BY folded LIMIT 1"};
+    static const char* const kAt[] = {
+        "SELECT folded, name FROM main.keys WHERE parent = ?1 AND folded >= ?2 ORDER BY folded LIMIT 1",
+        "SELECT folded, name FROM vol.keys WHERE parent = ?1 AND folded >= ?2 ORDER BY folded LIMIT 1"};
+    bool found = false;
+    for (const char* sql : past ? kPast : kAt) {
+        Query q(*this, sql);
+        if (!q.Int(parent).Folded(from).Row()) continue;
+        std::string candidate = q.BytesAsText(0);
+        if (found && candidate >= folded) continue;
+        folded = std::move(candidate);
+        name = q.TextAt(1);
+        found = true;
+    }
+    return found;
+}
+
 bool HiveDatabase::ChildAt(int64_t parent, size_t index, std::u16string& name) {
+    const std::string kept = caching ? CacheKey('e', parent, false) : std::string();
+    Cursor* cursor = nullptr;
+    if (CursorAt(kept, index, cursor)) {
+        std::string folded;
+        const bool found = ChildFrom(parent, cursor->folded, cursor->index != index, folded, name);
+        // A commit since the check may have moved what lies before the cursor.
+        if (!failed_ && Unchanged()) {
+            if (!found) return false;
+            cursor->index = index;
+            cursor->folded = std::move(folded);
+            return true;
+        }
+        cursors_.erase(kept);
+    }
     Query q(*this,
-            "SELECT name FROM (SELECT folded, name FROM main.keys WHERE parent = ?1 "
+            "SELECT name, folded FROM (SELECT folded, name FROM main.keys WHERE parent = ?1 "
             "UNION ALL SELECT folded, name FROM vol.keys WHERE parent = ?1) ORDER BY "
             "folded LIMIT 1 OFFSET ?2");
     if (!q.Int(parent).Int(static_cast<int64_t>(index)).Row()) return false;
     name = q.TextAt(0);
+    KeepCursor(kept, Cursor{index, q.BytesAsText(1), 0});
     return true;
 }
 
@@ -342,9 +418,7 @@ bool HiveDatabase::FindValue(const KeyRow& key, std::u16string_view name, RegVal
     std::optional<RegValue> found;
     if (q.Int(key.id).Folded(folded).Row()) {
         found.emplace();
-        found->name = q.TextAt(0);
-        found->type = static_cast<DWORD>(q.IntAt(1));
-        found->data = q.BytesAt(2);
+        ReadValueColumns(q, *found);
     }
     if (failed_) return false;
     if (value && found) *value = *found;
@@ -354,14 +428,32 @@ bool HiveDatabase::FindValue(const KeyRow& key, std::u16string_view name, RegVal
 }
 
 bool HiveDatabase::ValueAt(const KeyRow& key, size_t index, RegValue& value) {
-    Query q(*this, key.isVolatile ? "SELECT name, type, data FROM vol.vals WHERE key = ?1 "
+    const std::string kept = caching ? CacheKey('f', key.id, key.isVolatile) : std::string();
+    Cursor* cursor = nullptr;
+    if (CursorAt(kept, index, cursor)) {
+        Query q(*this, key.isVolatile ? "SELECT name, type, data, seq FROM vol.vals WHERE key = ?1 AND seq > ?2 "
+                                        "ORDER BY seq LIMIT 1"
+                                      : "SELECT name, type, data, seq FROM main.vals WHERE key = ?1 AND seq > ?2 "
+                                        "ORDER BY seq LIMIT 1");
+        // seq > seq - 1 reads the cursor's own value again.
+        const bool found = q.Int(key.id).Int(cursor->index != index ? cursor->seq : cursor->seq - 1).Row();
+        // As for sub-keys: a commit since the check sends the call back to counting.
+        if (!failed_ && Unchanged()) {
+            if (!found) return false;
+            ReadValueColumns(q, value);
+            cursor->index = index;
+            cursor->seq = q.IntAt(3);
+            return true;
+        }
+        cursors_.erase(kept);
+    }
+    Query q(*this, key.isVolatile ? "SELECT name, type, data, seq FROM vol.vals WHERE key = ?1 "
                                     "ORDER BY seq LIMIT 1 OFFSET ?2"
-                                  : "SELECT name, type, data FROM main.vals WHERE key = ?1 "
+                                  : "SELECT name, type, data, seq FROM main.vals WHERE key = ?1 "
                                     "ORDER BY seq LIMIT 1 OFFSET ?2");
     if (!q.Int(key.id).Int(static_cast<int64_t>(index)).Row()) return false;
-    value.name = q.TextAt(0);
-    value.type = static_cast<DWORD>(q.IntAt(1));
-    value.data = q.BytesAt(2);
+    ReadValueColumns(q, value);
+    KeepCursor(kept, Cursor{index, {}, q.IntAt(3)});
     return true;
 }
 

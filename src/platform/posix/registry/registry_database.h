@@ -126,6 +126,8 @@ public:
     void WatchChanges();
     // Compares the headers with the copies and forgets what was read when they differ.
     void CheckForChanges();
+    // Whether the headers still match the copies, which are left as they are.
+    bool Unchanged() const;
     bool caching = false;
     // A call that reads begins its transaction with its first query, so that a call answered from
     // memory never touches the databases.
@@ -139,6 +141,8 @@ private:
         uint8_t seen[48] = {};
     };
     void Watch(Watched& watched, const std::string& database);
+    // Reads the header into now; true when it is not the copy (or is not mapped).
+    static bool Differs(const Watched& watched, uint64_t (&now)[6]);
     bool Changed(Watched& watched);
     void Forget();
 
@@ -148,6 +152,20 @@ private:
     Watched watched_[2];
     std::unordered_map<std::string, std::optional<KeyRow>> keys_;      // by id or parent and name
     std::unordered_map<std::string, std::optional<RegValue>> values_;  // by key and name
+
+    // Where the last walk by index over a key's sub-keys or values stood: the index and the sort
+    // key of the item found there (the folded name, or the value's seq). The next index goes on
+    // from it in one indexed step; any other index is counted from the start.
+    struct Cursor {
+        size_t index = 0;
+        std::string folded;
+        int64_t seq = 0;
+    };
+    bool CursorAt(const std::string& kept, size_t index, Cursor*& cursor);
+    void KeepCursor(std::string kept, Cursor cursor);
+    // The first sub-key whose folded name is past (or at) from, in both databases.
+    bool ChildFrom(int64_t parent, const std::string& from, bool past, std::string& folded, std::u16string& name);
+    std::unordered_map<std::string, Cursor> cursors_;  // by key
 };
 
 // The name of the file layer that the databases are opened with (registry_vfs.cpp), and its removal
