@@ -19,7 +19,6 @@
 #include <zel/settings.h>
 
 #include "bench_temp_file.h"
-#include "print_goal.h"
 #include "platform/win32.h"
 #include "ratio_reporter.h"
 
@@ -218,11 +217,11 @@ void PrintPerEntry(const RatioReporter& reporter) {
 void PrintGoals(const RatioReporter& reporter) {
     for (const char* operation : {"by name in order", "by name at random", "load", "save"})
         if (const double growth = Growth(reporter, operation); growth > 0)
-            PrintGoal(std::string(operation) + ", 3,000 sections over 10, an entry", growth, 1.5);
+            PrintGoalLine(std::string(operation) + ", 3,000 sections over 10, an entry", growth, 1.5);
     const double file = reporter.Cpu("read the whole file");
     for (const char* call : {"ZelGetPrivateProfileString", "ZelGetPrivateProfileInt"})
         if (const double ns = reporter.Cpu(call); ns > 0 && file > 0)
-            PrintGoal(std::string(call) + ", 10,000 keys, over one read of the file", ns / file, 2.0);
+            PrintGoalLine(std::string(call) + ", 10,000 keys, over one read of the file", ns / file, 2.0);
 }
 
 }  // namespace

@@ -15,7 +15,6 @@
 #include <zel/settings.h>
 
 #include "bench_temp_file.h"
-#include "print_goal.h"
 #include "platform/win32.h"
 #include "ratio_reporter.h"
 
@@ -274,9 +273,9 @@ void PrintGoals(const RatioReporter& reporter) {
         const std::string name = operation;
         const double small = reporter.Cpu(name + "/100"), large = reporter.Cpu(name + "/100000"),
                      tree = reporter.Cpu(name + "/tree");
-        if (small > 0 && large > 0) PrintGoal(name + ", 100,000 children over 100", large / 1000 / small, 1.5);
-        if (large > 0) PrintGoal(name + ", 100,000 children, µs a key", large * 1e3 / 1e5, 1.0);
-        if (tree > 0) PrintGoal(name + ", balanced tree, µs a key", tree * 1e3 / treeKeys, 1.0);
+        if (small > 0 && large > 0) PrintGoalLine(name + ", 100,000 children over 100", large / 1000 / small, 1.5);
+        if (large > 0) PrintGoalLine(name + ", 100,000 children, µs a key", large * 1e3 / 1e5, 1.0);
+        if (tree > 0) PrintGoalLine(name + ", balanced tree, µs a key", tree * 1e3 / treeKeys, 1.0);
     }
 }
 

@@ -21,7 +21,6 @@
 #include <vector>
 
 #include "platform/win32.h"
-#include "print_goal.h"
 #include "ratio_reporter.h"
 
 namespace {
@@ -390,7 +389,7 @@ int main(int argc, char** argv) {
                     walk + 3, small, large / 10, small > 0 ? large / 10 / small : 0.0);
         if (small > 0 && large > 0) growth.emplace_back(walk + 3, large / 10 / small);
     }
-    for (const auto& [walk, ratio] : growth) PrintGoal(walk + " by index, 10,000 over 1,000, an item", ratio, 1.5);
+    for (const auto& [walk, ratio] : growth) PrintGoalLine(walk + " by index, 10,000 over 1,000, an item", ratio, 1.5);
     benchmark::Shutdown();
     std::filesystem::remove_all(Root().path);
     return 0;

@@ -39,6 +39,9 @@ BOOL TlsFree(DWORD index) ZEL_SYSTEM_CALL(TlsFree);
 LPVOID TlsGetValue(DWORD index) ZEL_SYSTEM_CALL(TlsGetValue);
 BOOL TlsSetValue(DWORD index, LPVOID value) ZEL_SYSTEM_CALL(TlsSetValue);
 
+// Asks the system to back a block of whole 2 MB pages with large pages; only a hint.
+void ZelPlatformPreferLargePages(void* block, size_t bytes);
+
 LONG InterlockedIncrement(LONG volatile* value);
 LONG InterlockedDecrement(LONG volatile* value);
 

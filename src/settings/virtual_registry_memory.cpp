@@ -1,29 +1,27 @@
 // Large blocks on large pages, where the system offers them; the hint changes nothing else.
 #include "settings/virtual_registry_memory.h"
 
-#include <sys/mman.h>
-
-#include <cstdlib>
+#include "platform/win32.h"
 
 namespace {
 
 constexpr size_t kLargePage = size_t(2) << 20;
 constexpr size_t kCacheLine = 64;
 
+// A cache line's alignment, which the keys ask for; a large page's for blocks of one or more.
+std::align_val_t AlignmentOf(size_t bytes) { return std::align_val_t(bytes < kLargePage ? kCacheLine : kLargePage); }
+
+size_t Rounded(size_t bytes) {
+    const size_t unit = size_t(AlignmentOf(bytes));
+    return (bytes + unit - 1) / unit * unit;
+}
+
 }  // namespace
 
 void* VirtualRegAllocate(size_t bytes) {
-    if (bytes < kLargePage) {
-        // A cache line's alignment, which the keys ask for.
-        if (void* block = std::aligned_alloc(kCacheLine, (bytes + kCacheLine - 1) / kCacheLine * kCacheLine))
-            return block;
-        throw std::bad_alloc();
-    }
-    const size_t rounded = (bytes + kLargePage - 1) / kLargePage * kLargePage;
-    void* block = std::aligned_alloc(kLargePage, rounded);
-    if (!block) throw std::bad_alloc();
-    madvise(block, rounded, MADV_HUGEPAGE);
+    void* block = ::operator new(Rounded(bytes), AlignmentOf(bytes));
+    if (bytes >= kLargePage) ZelPlatformPreferLargePages(block, Rounded(bytes));
     return block;
 }
 
-void VirtualRegRelease(void* block, size_t /*bytes*/) { std::free(block); }
+void VirtualRegRelease(void* block, size_t bytes) { ::operator delete(block, AlignmentOf(bytes)); }

@@ -128,8 +128,8 @@ TEST(FilesRuntime, FullPathsAndTheCurrentDirectory) {
 
 TEST(FilesRuntime, SearchEnvLooksInTheCurrentDirectoryThenTheList) {
     TempDir dir;
-    ASSERT_EQ(std::filesystem::create_directory(dir.file("one").c_str()), 0);
-    ASSERT_EQ(std::filesystem::create_directory(dir.file("two").c_str()), 0);
+    ASSERT_TRUE(std::filesystem::create_directory(dir.file("one").c_str()));
+    ASSERT_TRUE(std::filesystem::create_directory(dir.file("two").c_str()));
     zeltest::WriteFile(dir.file("two/tool"), "");
     zeltest::WriteFile(dir.file("one/tool"), "");
     zeltest::WriteFile(dir.file("here"), "");
