@@ -8,6 +8,8 @@
 #include <string>
 #include <unordered_map>
 
+#include "platform/stream_reads.h"
+
 inline bool ZelRegFilePutNumber(FILE* stream, DWORD value) {
     const unsigned char bytes[4] = {static_cast<unsigned char>(value), static_cast<unsigned char>(value >> 8),
                                     static_cast<unsigned char>(value >> 16), static_cast<unsigned char>(value >> 24)};
@@ -17,9 +19,9 @@ inline bool ZelRegFilePutNumber(FILE* stream, DWORD value) {
 // Bytes from a stream that only the caller's thread reads: a few at a time straight from its
 // buffer, more through fread. Gives false when the stream ends first.
 inline bool ZelRegFileGetBytes(FILE* stream, void* bytes, size_t count) {
-    if (count > 32) return fread_unlocked(bytes, 1, count, stream) == count;
+    if (count > 32) return ZelReadOwnStream(bytes, count, stream) == count;
     for (size_t at = 0; at < count; ++at) {
-        const int byte = getc_unlocked(stream);
+        const int byte = ZelGetcOwnStream(stream);
         if (byte == EOF) return false;
         static_cast<unsigned char*>(bytes)[at] = static_cast<unsigned char>(byte);
     }
