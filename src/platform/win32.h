@@ -11,7 +11,6 @@
 
 #include <cstdarg>
 #include <cstdio>
-#include <filesystem>
 #include <string>
 
 // ---------------------------------------------------------------------------------------------
@@ -69,12 +68,7 @@ struct ZelDataModule {
     size_t size;
 };
 const ZelDataModule* ZelPlatformDataModule(HMODULE module);
-// The data modules themselves (common/modules/data_modules.cpp): a file's bytes under a new
-// handle, or null with the last error set; whether a handle is one of them; one release of one
-// (false: not a data module).
-HMODULE ZelPlatformLoadDataModule(const std::filesystem::path& file);
-bool ZelPlatformIsDataModule(HMODULE module);
-bool ZelPlatformFreeDataModule(HMODULE module);
+
 
 // ---------------------------------------------------------------------------------------------
 // Resources (posix/modules/resources.cpp): the resources of a data module, read from its bytes as a

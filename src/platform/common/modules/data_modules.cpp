@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "platform/common/modules/data_modules.h"
 #include "platform/process_object.h"
-#include "platform/win32.h"
 
 namespace {
 
@@ -32,10 +32,8 @@ struct DataModuleList {
 constinit ZelProcessObject<DataModuleList> dataModules;
 std::vector<DataModule*>& DataModules() { return dataModules->modules; }
 
-bool IsDataHandle(HMODULE module) { return (reinterpret_cast<uintptr_t>(module) & 1) != 0; }
-
 DataModule* FindData(HMODULE module) {
-    if (!IsDataHandle(module)) return nullptr;
+    if (!ZelPlatformHasDataMark(module)) return nullptr;
     auto* record = reinterpret_cast<DataModule*>(reinterpret_cast<uintptr_t>(module) & ~uintptr_t{1});
     for (DataModule* m : DataModules())
         if (m == record) return m;

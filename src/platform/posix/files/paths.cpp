@@ -1,4 +1,5 @@
-// The boundary between the library's Windows form of a path and the system's.
+// Paths toward the system: the library's Windows form becomes the system's (the way back:
+// common/files).
 #include <cstdlib>
 #include <string>
 
@@ -27,15 +28,4 @@ std::string ZelPlatformPathToSystem(LPCWSTR path) {
     for (auto& c : rest)
         if (c == u'\\') c = u'/';
     return prefix + ZelPlatformWideToUtf8(rest);
-}
-
-std::u16string ZelPlatformPathFromSystem(LPCWSTR path) {
-    std::u16string out(path ? path : u"");
-    for (auto& c : out)
-        if (c == u'/') c = u'\\';
-    return out;
-}
-
-std::u16string ZelPlatformPathFromSystem(const char* path) {
-    return ZelPlatformPathFromSystem(ZelPlatformUtf8ToWide(path ? path : "").c_str());
 }

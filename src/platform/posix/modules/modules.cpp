@@ -12,11 +12,10 @@
 #include <string>
 #include <vector>
 
+#include "platform/common/modules/data_modules.h"
 #include "platform/win32.h"
 
 namespace {
-
-bool IsDataHandle(HMODULE module) { return (reinterpret_cast<uintptr_t>(module) & 1) != 0; }
 
 bool FileExists(const std::string& path) {
     struct stat st;
@@ -172,7 +171,7 @@ BOOL FreeLibrary(HMODULE module) {
         return FALSE;
     }
     if (ZelPlatformSystemModuleName(module)) return TRUE;
-    if (IsDataHandle(module)) {
+    if (ZelPlatformHasDataMark(module)) {
         if (ZelPlatformFreeDataModule(module)) return TRUE;
         SetLastError(ERROR_INVALID_HANDLE);
         return FALSE;
@@ -187,7 +186,7 @@ BOOL FreeLibrary(HMODULE module) {
 FARPROC GetProcAddress(HMODULE module, LPCSTR procName) {
     if (ZelPlatformSystemModuleName(module)) return ZelPlatformSystemProc(module, procName);
     // Names only: an ordinal (a value below 0x10000 in place of the pointer) has no meaning here.
-    if (!procName || reinterpret_cast<uintptr_t>(procName) < 0x10000 || IsDataHandle(module)) {
+    if (!procName || reinterpret_cast<uintptr_t>(procName) < 0x10000 || ZelPlatformHasDataMark(module)) {
         SetLastError(ERROR_PROC_NOT_FOUND);
         return nullptr;
     }
@@ -215,7 +214,7 @@ DWORD GetModuleFileNameW(HMODULE module, LPWSTR fileName, DWORD size) {
     }
     if (!module) {
         path = ExecutablePath();
-    } else if (struct link_map* map = IsDataHandle(module) ? nullptr : FindLinkMap(module)) {
+    } else if (struct link_map* map = ZelPlatformHasDataMark(module) ? nullptr : FindLinkMap(module)) {
         path = ModulePath(map);
     } else {
         SetLastError(ERROR_MOD_NOT_FOUND);

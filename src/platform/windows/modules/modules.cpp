@@ -3,6 +3,7 @@
 #include <cstring>
 #include <fstream>
 
+#include "platform/common/modules/data_modules.h"
 #include "platform/win32.h"
 #include "platform/windows/system_calls.h"
 
@@ -45,18 +46,18 @@ HMODULE LoadLibraryExA(LPCSTR fileName, HANDLE reserved, DWORD flags) {
 BOOL FreeLibrary(HMODULE module) { return ZelPlatformFreeDataModule(module) || sys::FreeLibrary(module); }
 
 // A data module has no file name of its own, as on every system.
+template <typename Char>
+DWORD ModuleFileName(HMODULE module, Char* fileName, DWORD size,
+                     DWORD (*system)(HMODULE, Char*, DWORD)) {
+    if (!ZelPlatformIsDataModule(module)) return system(module, fileName, size);
+    SetLastError(ERROR_MOD_NOT_FOUND);
+    return 0;
+}
+
 DWORD GetModuleFileNameW(HMODULE module, LPWSTR fileName, DWORD size) {
-    if (ZelPlatformIsDataModule(module)) {
-        SetLastError(ERROR_MOD_NOT_FOUND);
-        return 0;
-    }
-    return sys::GetModuleFileNameW(module, fileName, size);
+    return ModuleFileName(module, fileName, size, sys::GetModuleFileNameW);
 }
 
 DWORD GetModuleFileNameA(HMODULE module, LPSTR fileName, DWORD size) {
-    if (ZelPlatformIsDataModule(module)) {
-        SetLastError(ERROR_MOD_NOT_FOUND);
-        return 0;
-    }
-    return sys::GetModuleFileNameA(module, fileName, size);
+    return ModuleFileName(module, fileName, size, sys::GetModuleFileNameA);
 }
