@@ -16,14 +16,17 @@ TempDir::TempDir() {
     const std::filesystem::path base = std::filesystem::temp_directory_path();
     for (int attempt = 0; attempt < 100 && path_.empty(); ++attempt) {
         const std::filesystem::path candidate = base / ("zeltest-" + std::to_string(random()));
-        if (std::filesystem::create_directory(candidate)) path_ = candidate.generic_string();
+        if (std::filesystem::create_directory(candidate)) {
+            const std::u8string utf8 = candidate.generic_u8string();
+            path_.assign(utf8.begin(), utf8.end());
+        }
     }
     if (path_.empty()) throw std::runtime_error("cannot make a temporary directory");
 }
 
 TempDir::~TempDir() {
     std::error_code ignored;
-    std::filesystem::remove_all(path_, ignored);
+    std::filesystem::remove_all(SystemPath(path_), ignored);
 }
 
 ScopedEnv::ScopedEnv(const std::string& name, const std::optional<std::string>& value) : name_(name) {
@@ -33,16 +36,25 @@ ScopedEnv::ScopedEnv(const std::string& name, const std::optional<std::string>& 
 
 ScopedEnv::~ScopedEnv() { SetEnvironment(name_, old_); }
 
+std::filesystem::path SystemPath(const std::string& utf8) {
+    return std::filesystem::path(std::u8string(utf8.begin(), utf8.end()));
+}
+
 std::string ReadFile(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
+    std::ifstream in(SystemPath(path), std::ios::binary);
     std::ostringstream s;
     s << in.rdbuf();
     return s.str();
 }
 
 void WriteFile(const std::string& path, const std::string& bytes) {
-    std::ofstream out(path, std::ios::binary | std::ios::trunc);
+    std::ofstream out(SystemPath(path), std::ios::binary | std::ios::trunc);
     out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+}
+
+bool Exists(const std::string& path) {
+    std::error_code ignored;
+    return std::filesystem::exists(SystemPath(path), ignored);
 }
 
 ProgramResult RunTestsInNewProcess(const std::string& filter,

@@ -3,6 +3,7 @@
 #ifndef ZEL_TESTS_SUPPORT_H
 #define ZEL_TESTS_SUPPORT_H
 
+#include <filesystem>
 #include <functional>
 #include <map>
 #include <optional>
@@ -58,8 +59,13 @@ ProgramResult RunProgram(const std::string& path, const std::vector<std::string>
 ProgramResult RunTestsInNewProcess(const std::string& filter,
                                    const std::map<std::string, std::optional<std::string>>& env);
 
+// Paths in these helpers are UTF-8 on both systems, as the library's ZelPlatformPathToSystem gives
+// them; the system's narrow calls would read them in the ANSI code page on Windows.
+std::filesystem::path SystemPath(const std::string& utf8);
 std::string ReadFile(const std::string& path);
 void WriteFile(const std::string& path, const std::string& bytes);
+// Whether a file or directory of that name exists, asked of the system past the library.
+bool Exists(const std::string& path);
 
 // The registry directory and runtime directory that the test main set up for this run.
 const std::string& TestRoot();

@@ -87,6 +87,11 @@ std::string OwnProgramPath() {
     return Utf8(std::wstring(path, length));
 }
 
+bool RunningUnderWine() {
+    HMODULE ntdll = GetModuleHandleW(L"ntdll.dll");
+    return ntdll && GetProcAddress(ntdll, "wine_get_version");
+}
+
 // Windows has no fork: a test that needs a copy of its own process runs on POSIX only.
 int RunInChild(const std::function<int()>&) { return -1; }
 
