@@ -378,6 +378,10 @@ HINSTANCE ShellExecuteW(HWND owner, LPCWSTR operation, LPCWSTR file, LPCWSTR par
                         int show) ZEL_SYSTEM_CALL(ShellExecuteW);
 BOOL SHGetPathFromIDListA(LPCITEMIDLIST list, LPSTR path) ZEL_SYSTEM_CALL(SHGetPathFromIDListA);
 BOOL SHGetPathFromIDListW(LPCITEMIDLIST list, LPWSTR path) ZEL_SYSTEM_CALL(SHGetPathFromIDListW);
+// The folder that holds the last item of a list (here the desktop, as every list is one item) and
+// that item, inside the list.
+HRESULT SHBindToParent(LPCITEMIDLIST list, REFIID riid, void** folder, LPCITEMIDLIST* last)
+    ZEL_SYSTEM_CALL(SHBindToParent);
 HRESULT SHGetDataFromIDListA(IShellFolder* folder, LPCITEMIDLIST list, int format, void* data, int size)
     ZEL_SYSTEM_CALL(SHGetDataFromIDListA);
 HRESULT SHGetDataFromIDListW(IShellFolder* folder, LPCITEMIDLIST list, int format, void* data, int size)

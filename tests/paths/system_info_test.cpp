@@ -14,6 +14,7 @@ namespace {
 
 std::string Narrow(const WCHAR* text) { return ZelPlatformWideToUtf8(text); }
 
+#ifndef _WIN32  // each row needs a system of that version, which only ZEL_OS_VERSION of this layer gives
 TEST(SystemInfo, VersionTableThroughAFreshProcess) {
     struct Row {
         const char* version;
@@ -36,6 +37,7 @@ TEST(SystemInfo, VersionTableThroughAFreshProcess) {
         EXPECT_EQ(std::string(row.expected) + "\n", result.out) << row.version;
     }
 }
+#endif
 
 TEST(SystemInfo, ConstantsAndWindowMap) {
     EXPECT_EQ(1, ZelGetOS());
@@ -101,8 +103,10 @@ TEST(SystemInfo, VolumeSerialOfTheRootWithoutADrive) {
     DWORD root = ZelGetVolumeSerialNumber(u"\\");
     EXPECT_NE(0u, root);
     EXPECT_EQ(root, ZelGetVolumeSerialNumber(u"some\\relative\\name.txt"));
+#ifndef _WIN32  // a drive letter that ZEL_DRIVE_<letter> doesn't name stands for the root here
     zeltest::ScopedEnv noDrive("ZEL_DRIVE_C", std::nullopt);
     EXPECT_EQ(root, ZelGetVolumeSerialNumber(u"c:\\x\\y.txt"));
+#endif
 }
 
 TEST(SystemInfo, MulDivRoundsHalfAwayFromZero) {

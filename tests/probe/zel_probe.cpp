@@ -3,6 +3,8 @@
 // of a freshly loaded library sees.
 //   zel_probe modules        the module table, one "id name" line a record
 //   zel_probe threads N      N threads that each work their own error and warning state
+//   zel_probe args FILE ...  the arguments after FILE, each followed by "|", written to FILE in
+//                            the current directory (through FILE.tmp, so it appears whole)
 #include <zel/frame.h>
 
 #include <atomic>
@@ -50,11 +52,21 @@ int Threads(int count) {
     return failures.load() == 0 ? 0 : 1;
 }
 
+int Arguments(int count, char** arguments) {
+    const std::string file = arguments[0], partial = file + ".tmp";
+    FILE* out = fopen(partial.c_str(), "wb");
+    if (!out) return 1;
+    for (int i = 1; i < count; ++i) fprintf(out, "%s|", arguments[i]);
+    fclose(out);
+    return rename(partial.c_str(), file.c_str()) == 0 ? 0 : 1;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
     if (argc >= 2 && !strcmp(argv[1], "modules")) return Modules();
     if (argc >= 3 && !strcmp(argv[1], "threads")) return Threads(atoi(argv[2]));
-    fprintf(stderr, "usage: zel_probe modules | threads N\n");
+    if (argc >= 3 && !strcmp(argv[1], "args")) return Arguments(argc - 2, argv + 2);
+    fprintf(stderr, "usage: zel_probe modules | threads N | args FILE ARGUMENT...\n");
     return 2;
 }

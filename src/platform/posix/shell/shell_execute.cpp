@@ -157,15 +157,16 @@ INT_PTR OpenWithDesktop(const std::string& target, const std::string& directory)
 INT_PTR Execute(LPCWSTR operation, LPCWSTR file, LPCWSTR parameters, LPCWSTR directory) {
     const bool open = !operation || !*operation || EqualsIgnoringCase(operation, u"open");
     const bool explore = operation && EqualsIgnoringCase(operation, u"explore");
-    if (!open && !explore) return SE_ERR_NOASSOC;
     if (!file || !*file) return SE_ERR_FNF;
     const std::string workDirectory = directory && *directory ? ZelPlatformPathToSystem(directory) : std::string();
     struct stat status;
     if (!workDirectory.empty() && (stat(workDirectory.c_str(), &status) != 0 || !S_ISDIR(status.st_mode)))
         return SE_ERR_PNF;
-    if (IsUrl(file)) return explore ? SE_ERR_NOASSOC : OpenWithDesktop(ZelPlatformWideToUtf8(file), workDirectory);
+    if (IsUrl(file)) return open ? OpenWithDesktop(ZelPlatformWideToUtf8(file), workDirectory) : SE_ERR_NOASSOC;
+    // The file is looked for before the verb: a missing file is missing whatever was asked of it.
     const std::string path = Locate(ZelPlatformPathToSystem(file), workDirectory);
     if (path.empty() || stat(path.c_str(), &status) != 0) return SE_ERR_FNF;
+    if (!open && !explore) return SE_ERR_NOASSOC;
     if (explore) return S_ISDIR(status.st_mode) ? OpenWithDesktop(path, workDirectory) : SE_ERR_NOASSOC;
     if (IsExecutableFile(path)) {
         // The program's own name must hold a slash, or exec would not find a relative one.

@@ -155,8 +155,13 @@ HLOCAL LocalFree(HLOCAL memory) {
 }
 
 BOOL SHGetPathFromIDListW(LPCITEMIDLIST list, LPWSTR path) {
+    if (!path || !list) return FALSE;
+    // The empty list is the root of the names, the desktop, whose folder is a directory.
+    USHORT first = 0;
+    memcpy(&first, list, sizeof first);
+    if (first == 0) return SHGetSpecialFolderPathW(nullptr, path, CSIDL_DESKTOPDIRECTORY, FALSE);
     std::u16string text;
-    if (!path || !ZelShellItemPath(list, text)) return FALSE;
+    if (!ZelShellItemPath(list, text)) return FALSE;
     if (text.size() >= MAX_PATH) {
         path[0] = 0;
         return FALSE;
@@ -175,6 +180,17 @@ BOOL SHGetPathFromIDListA(LPCITEMIDLIST list, LPSTR path) {
     }
     memcpy(path, ansi.c_str(), ansi.size() + 1);
     return TRUE;
+}
+
+HRESULT SHBindToParent(LPCITEMIDLIST list, REFIID riid, void** folder, LPCITEMIDLIST* last) {
+    if (!folder) return E_INVALIDARG;
+    *folder = nullptr;
+    if (last) *last = nullptr;
+    std::u16string path;
+    if (!ZelShellItemPath(list, path)) return E_INVALIDARG;
+    const HRESULT result = desktopFolder.QueryInterface(riid, folder);
+    if (SUCCEEDED(result) && last) *last = list;
+    return result;
 }
 
 HRESULT SHGetDataFromIDListW(IShellFolder*, LPCITEMIDLIST list, int format, void* data, int size) {
