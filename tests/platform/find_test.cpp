@@ -1,9 +1,6 @@
 // Searches by mask: the matcher's rules, the order and the end of a search, and its failures.
 #include <gtest/gtest.h>
 
-#include <fcntl.h>
-#include <sys/stat.h>
-
 #include <algorithm>
 #include <cerrno>
 #include <string>
@@ -11,6 +8,7 @@
 
 #include "platform/win32.h"
 #include "support/support.h"
+#include "support/system.h"
 
 namespace {
 
@@ -32,6 +30,7 @@ std::vector<std::u16string> FindAll(const std::u16string& mask) {
     return names;
 }
 
+#ifndef _WIN32  // the matcher of this layer's searches; Windows keeps its own inside the call
 TEST(FilesFind, MaskRules) {
     struct {
         const char16_t* mask;
@@ -49,6 +48,7 @@ TEST(FilesFind, MaskRules) {
         EXPECT_EQ(ZelPlatformMaskMatches(c.mask, c.name), c.matches)
             << std::string(c.mask, c.mask + std::char_traits<char16_t>::length(c.mask));
 }
+#endif
 
 TEST(FilesFind, SearchesListDotsFirstAndEndCleanly) {
     TempDir dir;
@@ -66,8 +66,11 @@ TEST(FilesFind, SearchesListDotsFirstAndEndCleanly) {
     EXPECT_FALSE(FindNextFileW(find, &data));
     EXPECT_EQ(GetLastError(), DWORD{ERROR_NO_MORE_FILES});
     EXPECT_TRUE(FindClose(find));
-    EXPECT_FALSE(FindClose(find));
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_HANDLE});
+    // Wine closes a closed search again without a word.
+    if (!zeltest::RunningUnderWine()) {
+        EXPECT_FALSE(FindClose(find));
+        EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_HANDLE});
+    }
     EXPECT_FALSE(FindNextFileW(find, &data));
 
     SetLastError(0);
@@ -77,8 +80,7 @@ TEST(FilesFind, SearchesListDotsFirstAndEndCleanly) {
     EXPECT_EQ(GetLastError(), DWORD{ERROR_PATH_NOT_FOUND});
 
     // A root has no "." and "..".
-    ScopedEnv drive("ZEL_DRIVE_R", std::nullopt);
-    std::vector<std::u16string> root = FindAll(u"r:\\*");
+    std::vector<std::u16string> root = FindAll(u"\\*");
     EXPECT_FALSE(root.empty());
     EXPECT_EQ(std::count(root.begin(), root.end(), u".") + std::count(root.begin(), root.end(), u".."), 0);
 }
@@ -88,8 +90,7 @@ TEST(FilesFind, AnsiNamesAndTheRuntimeSearch) {
     ScopedEnv codePage("ZEL_ACP", "949");
     ScopedEnv drive("ZEL_DRIVE_Q", dir.path());
     zeltest::WriteFile(dir.file("\xed\x95\x9c.txt"), "abc");  // U+D55C
-    struct timespec times[2] = {{1000000000, 0}, {1200000000, 0}};
-    ASSERT_EQ(utimensat(AT_FDCWD, dir.file("\xed\x95\x9c.txt").c_str(), times, 0), 0);
+    ASSERT_TRUE(zeltest::SetFileTimes(dir.file("\xed\x95\x9c.txt"), 1000000000, 1200000000));
     WIN32_FIND_DATAA data;
     HANDLE find = FindFirstFileA("q:\\*.txt", &data);
     ASSERT_NE(find, INVALID_HANDLE_VALUE);

@@ -2,6 +2,7 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <spawn.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -22,6 +23,12 @@ void SetEnvironment(const std::string& name, const std::optional<std::string>& v
 }
 
 std::string OwnProgramPath() { return "/proc/self/exe"; }
+
+bool SetFileTimes(const std::string& path, std::int64_t accessSeconds, std::int64_t writeSeconds,
+                  long writeNanoseconds) {
+    const struct timespec times[2] = {{accessSeconds, 0}, {writeSeconds, writeNanoseconds}};
+    return utimensat(AT_FDCWD, path.c_str(), times, 0) == 0;
+}
 
 bool RunningUnderWine() { return false; }
 

@@ -87,6 +87,22 @@ std::string OwnProgramPath() {
     return Utf8(std::wstring(path, length));
 }
 
+bool SetFileTimes(const std::string& path, std::int64_t accessSeconds, std::int64_t writeSeconds,
+                  long writeNanoseconds) {
+    // 100-nanosecond units since 1601.
+    auto fileTime = [](std::int64_t seconds, long nanoseconds) {
+        const std::uint64_t units = std::uint64_t(seconds) * 10000000u + 116444736000000000u + nanoseconds / 100;
+        return FILETIME{DWORD(units), DWORD(units >> 32)};
+    };
+    HANDLE file = CreateFileW(Wide(path).c_str(), FILE_WRITE_ATTRIBUTES, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                              OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+    if (file == INVALID_HANDLE_VALUE) return false;
+    const FILETIME access = fileTime(accessSeconds, 0), write = fileTime(writeSeconds, writeNanoseconds);
+    const BOOL done = SetFileTime(file, nullptr, &access, &write);
+    CloseHandle(file);
+    return done;
+}
+
 bool RunningUnderWine() {
     HMODULE ntdll = GetModuleHandleW(L"ntdll.dll");
     return ntdll && GetProcAddress(ntdll, "wine_get_version");
