@@ -31,6 +31,8 @@ std::string ProgramForRerun(const std::map<std::string, std::optional<std::strin
 bool LocaleFixedPerProcess() { return false; }
 unsigned long CurrentLocaleSetting(const std::string&) { return 0; }
 bool RunningUnderWine() { return false; }
+void UsePrivateRegistry() {}
+void RemovePrivateRegistry() {}
 
 int RunInChild(const std::function<int()>& body) {
     fflush(nullptr);

@@ -171,6 +171,43 @@ unsigned long CurrentLocaleSetting(const std::string& knob) {
     return 0;
 }
 
+namespace {
+constexpr char kPrivateRegistry[] = "ZEL_TEST_REGISTRY";
+bool ownsPrivateRegistry = false;
+}  // namespace
+
+void UsePrivateRegistry() {
+    std::string name;
+    if (const char* shared = getenv(kPrivateRegistry)) {
+        name = shared;
+    } else {
+        name = "Software\\ZelTestRuns\\" + std::to_string(GetCurrentProcessId()) + "-" + std::to_string(GetTickCount64());
+        SetEnvironment(kPrivateRegistry, name);
+        ownsPrivateRegistry = true;
+    }
+    // Both keys are made before either root is redirected, each with a lasting Software key as
+    // every system has: a volatile key made first would otherwise make it volatile too.
+    HKEY keys[2] = {};
+    const wchar_t* parts[2] = {L"\\user", L"\\machine"};
+    for (int i = 0; i < 2; ++i) {
+        const std::wstring root = Wide(name) + parts[i];
+        HKEY software = nullptr;
+        if (RegCreateKeyExW(HKEY_CURRENT_USER, (root + L"\\Software").c_str(), 0, nullptr, 0, KEY_ALL_ACCESS,
+                            nullptr, &software, nullptr) == ERROR_SUCCESS)
+            RegCloseKey(software);
+        RegCreateKeyExW(HKEY_CURRENT_USER, root.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &keys[i], nullptr);
+    }
+    // The keys stay open for the process's life: Wine keeps the handle itself rather than a copy.
+    const HKEY roots[2] = {HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE};
+    for (int i = 0; i < 2; ++i)
+        if (keys[i]) RegOverridePredefKey(roots[i], keys[i]);
+}
+
+void RemovePrivateRegistry() {
+    for (HKEY root : {HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE}) RegOverridePredefKey(root, nullptr);
+    if (ownsPrivateRegistry) RegDeleteTreeW(HKEY_CURRENT_USER, Wide(getenv(kPrivateRegistry)).c_str());
+}
+
 bool RunningUnderWine() {
     const HMODULE ntdll = GetModuleHandleW(L"ntdll.dll");
     return ntdll && GetProcAddress(ntdll, "wine_get_version");

@@ -20,6 +20,12 @@ std::string ProgramForRerun(const std::map<std::string, std::optional<std::strin
 // ("ZEL_ACP", "ZEL_OEMCP", "ZEL_LCID", "ZEL_SYSTEM_LCID").
 bool LocaleFixedPerProcess();
 unsigned long CurrentLocaleSetting(const std::string& knob);
+// Gives this run a registry of its own where the system's is shared by every process (Windows:
+// the current user's and the machine's keys are redirected to a private key, which a rerun of the
+// program shares and the first process removes at the end); the POSIX layer's lies in the run's
+// own directory already.
+void UsePrivateRegistry();
+void RemovePrivateRegistry();
 // Whether the tests run under Wine, which departs from Windows in a few places (README, "Windows").
 bool RunningUnderWine();
 
