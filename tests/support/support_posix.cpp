@@ -30,7 +30,16 @@ bool SetFileTimes(const std::string& path, std::int64_t accessSeconds, std::int6
     return utimensat(AT_FDCWD, path.c_str(), times, 0) == 0;
 }
 
+std::string ProgramForRerun(const std::map<std::string, std::optional<std::string>>&, std::string*) {
+    return OwnProgramPath();
+}
+
+// The layer reads its knobs at every call.
+bool LocaleFixedPerProcess() { return false; }
+unsigned long CurrentLocaleSetting(const std::string&) { return 0; }
 bool RunningUnderWine() { return false; }
+void UsePrivateRegistry() {}
+void RemovePrivateRegistry() {}
 
 int RunInChild(const std::function<int()>& body) {
     fflush(nullptr);

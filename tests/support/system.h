@@ -4,6 +4,7 @@
 #define ZEL_TESTS_SUPPORT_SYSTEM_H
 
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <string>
 
@@ -17,7 +18,20 @@ std::string OwnProgramPath();
 // write time), past the library; false when the system refused.
 bool SetFileTimes(const std::string& path, std::int64_t accessSeconds, std::int64_t writeSeconds,
                   long writeNanoseconds = 0);
-// Whether the program runs under Wine rather than Windows (false on POSIX).
+// The program that runs tests again with the environment changes in force, or empty with the
+// reason in whyNot when this system cannot give them.
+std::string ProgramForRerun(const std::map<std::string, std::optional<std::string>>& env, std::string* whyNot);
+// Whether the locale settings are fixed for the life of a process, and a knob's value in this one
+// ("ZEL_ACP", "ZEL_OEMCP", "ZEL_LCID", "ZEL_SYSTEM_LCID").
+bool LocaleFixedPerProcess();
+unsigned long CurrentLocaleSetting(const std::string& knob);
+// Gives this run a registry of its own where the system's is shared by every process (Windows:
+// the current user's and the machine's keys are redirected to a private key, which a rerun of the
+// program shares and the first process removes at the end); the POSIX layer's lies in the run's
+// own directory already.
+void UsePrivateRegistry();
+void RemovePrivateRegistry();
+// Whether the tests run under Wine, which departs from Windows in a few places (README, "Windows").
 bool RunningUnderWine();
 
 }  // namespace zeltest
