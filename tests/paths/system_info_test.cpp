@@ -70,16 +70,18 @@ TEST(SystemInfo, ArgumentsStopAtTheCountAndCutWithoutTerminator) {
 }
 
 TEST(SystemInfo, FileTimeAsTextInTheUsersLanguage) {
-    zeltest::ScopedEnv english("ZEL_LCID", "1033");
+    zeltest::SystemLocale english({.acp = {}, .oemcp = {}, .lcid = "0x409", .systemLcid = {}});
     FILETIME june = ZelPlatformFileTimeFromUnix(1718454896, 0);  // mid-June 2024 everywhere
     WCHAR date[MAX_PATH];
     WCHAR both[MAX_PATH];
     EXPECT_FALSE(ZelGetFiletimeStr(date, nullptr, FALSE));
     ASSERT_TRUE(ZelGetFiletimeStr(date, &june, FALSE));
     ASSERT_TRUE(ZelGetFiletimeStr(both, &june, TRUE));
-    EXPECT_TRUE(std::regex_match(Narrow(date), std::regex("[A-Z][a-z]+day, June 1[56], 2024"))) << Narrow(date);
-    EXPECT_TRUE(std::regex_match(Narrow(both), std::regex(Narrow(date) + " [0-9]{1,2}:[0-9]{2}:[0-9]{2} [AP]M")))
-        << Narrow(both);
+    if (english.active()) {
+        EXPECT_TRUE(std::regex_match(Narrow(date), std::regex("[A-Z][a-z]+day, June 1[56], 2024"))) << Narrow(date);
+        EXPECT_TRUE(std::regex_match(Narrow(both), std::regex(Narrow(date) + " [0-9]{1,2}:[0-9]{2}:[0-9]{2} [AP]M")))
+            << Narrow(both);
+    }
 
     FILETIME now;
     ASSERT_TRUE(ZelGetFiletime(&now));

@@ -11,9 +11,35 @@
 
 namespace zeltest {
 
-TempDir::TempDir() {
+namespace {
+
+// The system's temporary directory as the first process of the run found it: tests change TMP and
+// TEMP, and a rerun of the program in a new process starts with their values.
+std::filesystem::path TempBase() {
+    static constexpr char kTemp[] = "ZEL_TEST_TEMP";
+    if (const char* fixed = getenv(kTemp)) return SystemPath(fixed);
+    const std::u8string utf8 = std::filesystem::temp_directory_path().generic_u8string();
+    SetEnvironment(kTemp, std::string(utf8.begin(), utf8.end()));
+    return SystemPath(getenv(kTemp));
+}
+
+}  // namespace
+
+TempDir::TempDir(SharedWithReruns) {
+    if (std::optional<std::string> first = TempDirOfFirstRun()) {
+        path_ = *first;
+        owned_ = false;
+        return;
+    }
+    Make();
+    NoteTempDirForReruns(path_);
+}
+
+TempDir::TempDir() { Make(); }
+
+void TempDir::Make() {
     std::random_device random;
-    const std::filesystem::path base = std::filesystem::temp_directory_path();
+    const std::filesystem::path base = TempBase();
     for (int attempt = 0; attempt < 100 && path_.empty(); ++attempt) {
         const std::filesystem::path candidate = base / ("zeltest-" + std::to_string(random()));
         if (std::filesystem::create_directory(candidate)) {
@@ -25,6 +51,7 @@ TempDir::TempDir() {
 }
 
 TempDir::~TempDir() {
+    if (!owned_) return;
     std::error_code ignored;
     std::filesystem::remove_all(SystemPath(path_), ignored);
 }

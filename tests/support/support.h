@@ -17,6 +17,10 @@ namespace zeltest {
 class TempDir {
 public:
     TempDir();
+    // A directory that a test run again in a new process for RunInChild (Windows) finds as the
+    // first process made it, as a forked child would; the first process removes it.
+    struct SharedWithReruns {};
+    explicit TempDir(SharedWithReruns);
     ~TempDir();
     TempDir(const TempDir&) = delete;
     TempDir& operator=(const TempDir&) = delete;
@@ -24,7 +28,9 @@ public:
     std::string file(const std::string& name) const { return path_ + "/" + name; }
 
 private:
+    void Make();
     std::string path_;
+    bool owned_ = true;
 };
 
 // Sets (or with nullopt unsets) an environment variable and restores the old value at scope end.

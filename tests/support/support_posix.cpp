@@ -34,6 +34,10 @@ std::string ProgramForRerun(const std::map<std::string, std::optional<std::strin
     return OwnProgramPath();
 }
 
+// A forked child has the directories of its parent.
+void NoteTempDirForReruns(const std::string&) {}
+std::optional<std::string> TempDirOfFirstRun() { return std::nullopt; }
+
 // The layer reads its knobs at every call.
 bool LocaleFixedPerProcess() { return false; }
 unsigned long CurrentLocaleSetting(const std::string&) { return 0; }

@@ -150,6 +150,38 @@ int RunInChild(const std::function<int()>& body) {
     return status;
 }
 
+namespace {
+
+constexpr char kTempDirs[] = "ZEL_TEST_DIRS";  // "suite.test|path|path..."
+
+std::string CurrentTest() {
+    const ::testing::TestInfo* info = ::testing::UnitTest::GetInstance()->current_test_info();
+    return info ? std::string(info->test_suite_name()) + "." + info->name() : std::string();
+}
+
+}  // namespace
+
+void NoteTempDirForReruns(const std::string& path) {
+    const std::string test = CurrentTest();
+    if (test.empty() || getenv("ZEL_TEST_CHILD")) return;
+    const char* noted = getenv(kTempDirs);
+    std::string list = noted ? noted : "";
+    if (list.compare(0, test.size() + 1, test + "|") != 0) list = test;
+    SetEnvironment(kTempDirs, list + "|" + path);
+}
+
+std::optional<std::string> TempDirOfFirstRun() {
+    static size_t taken = 0;  // a rerun runs one test
+    const std::string test = CurrentTest();
+    const char* noted = getenv(kTempDirs);
+    if (test.empty() || !getenv("ZEL_TEST_CHILD") || !noted) return std::nullopt;
+    std::vector<std::string> fields;
+    std::istringstream list(noted);
+    for (std::string field; std::getline(list, field, '|');) fields.push_back(field);
+    if (fields.empty() || fields[0] != test || taken + 1 >= fields.size()) return std::nullopt;
+    return fields[++taken];
+}
+
 // A 95-family system is a copy of the program that Wine reports as one (the build makes the copy,
 // the emulator's prefix names it): Windows itself never reports that family.
 std::string ProgramForRerun(const std::map<std::string, std::optional<std::string>>& env, std::string* whyNot) {

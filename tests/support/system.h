@@ -21,6 +21,11 @@ bool SetFileTimes(const std::string& path, std::int64_t accessSeconds, std::int6
 // The program that runs tests again with the environment changes in force, or empty with the
 // reason in whyNot when this system cannot give them.
 std::string ProgramForRerun(const std::map<std::string, std::optional<std::string>>& env, std::string* whyNot);
+// A test run again in a new process for RunInChild takes the temporary directories shared with
+// reruns that the first process had made by then: the first process notes each one it makes during
+// a test, and the rerun gets them back in the same order (nullopt: make a new one).
+void NoteTempDirForReruns(const std::string& path);
+std::optional<std::string> TempDirOfFirstRun();
 // Whether the locale settings are fixed for the life of a process, and a knob's value in this one
 // ("ZEL_ACP", "ZEL_OEMCP", "ZEL_LCID", "ZEL_SYSTEM_LCID").
 bool LocaleFixedPerProcess();
