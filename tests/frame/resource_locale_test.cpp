@@ -221,6 +221,7 @@ TEST(ResourceAnsi, TheSameFilesAsInWideMode) {
         for (const char* codePage : {"1252", "949"}) {
             const auto child =
                 zeltest::RunTestsInNewProcess(cases, {{"ZEL_OS_VERSION", "1.4.0"}, {"ZEL_ACP", codePage}});
+            if (child.skipped) continue;  // the run in that code page checks it
             EXPECT_EQ(0, child.status) << codePage << "\n" << child.out << child.err;
             EXPECT_EQ(child.err.find("Initialization Error"), std::string::npos) << codePage << "\n" << child.err;
         }

@@ -53,7 +53,23 @@ ProgramResult RunTestsInNewProcess(const std::string& filter,
     if (getenv(kRerun)) return {-1, {}, "a test run again in a new process asked for another one"};
     std::map<std::string, std::optional<std::string>> rerun = env;
     rerun[kRerun] = "1";
-    return RunProgram(OwnProgramPath(), {"--gtest_filter=" + filter}, rerun);
+    std::string whyNot;
+    const std::string program = ProgramForRerun(env, &whyNot);
+    if (program.empty()) return {0, {}, whyNot, true};
+    return RunProgram(program, {"--gtest_filter=" + filter}, rerun);
+}
+
+SystemLocale::SystemLocale(const LocaleSettings& wanted) {
+    const std::pair<const char*, const std::optional<std::string>*> knobs[] = {
+        {"ZEL_ACP", &wanted.acp}, {"ZEL_OEMCP", &wanted.oemcp}, {"ZEL_LCID", &wanted.lcid},
+        {"ZEL_SYSTEM_LCID", &wanted.systemLcid}};
+    for (const auto& [knob, value] : knobs) {
+        if (!*value) continue;
+        if (LocaleFixedPerProcess())
+            active_ = active_ && CurrentLocaleSetting(knob) == std::stoul(**value, nullptr, 0);
+        else
+            knobs_.push_back(std::make_unique<ScopedEnv>(knob, *value));
+    }
 }
 
 }  // namespace zeltest
