@@ -83,8 +83,8 @@ protected:
 };
 
 // The registry suites that run on every system work below a key of the test's own in
-// HKEY_CURRENT_USER, removed with everything below it at the end: on Windows all tests of a run
-// share the one registry, in every locale the suite runs in.
+// HKEY_CURRENT_USER, removed with everything below it at the end: on Windows the tests of a run
+// share one registry, which the registry directories above do not reach.
 class RegistryKeyTest : public RegistryTest {
 protected:
     HKEY root_ = nullptr;
@@ -92,8 +92,7 @@ protected:
 
     void SetUp() override {
         const auto* test = ::testing::UnitTest::GetInstance()->current_test_info();
-        const std::string name = std::string(test->test_suite_name()) + "." + test->name() + "." +
-                                 std::to_string(GetACP());
+        const std::string name = std::string(test->test_suite_name()) + "." + test->name();
         rootPath_ = u"Software\\ZelTest\\" + std::u16string(name.begin(), name.end());
         root_ = Create(rootPath_.c_str());
     }

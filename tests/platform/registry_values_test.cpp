@@ -182,7 +182,8 @@ TEST_F(RegistryValues, AnsiKeyCallsConvertNamesAndClasses) {
     if (!western.active()) GTEST_SKIP() << "needs code page 1252";
     HKEY key = nullptr, same = nullptr, software = nullptr;
     char keyClass[] = "Cl\xE4ss";
-    ASSERT_EQ(RegCreateKeyExA(root_, "\xC7" "a", 0, keyClass, 0, KEY_ALL_ACCESS, nullptr, &key, nullptr), ERROR_SUCCESS);
+    ASSERT_EQ(RegCreateKeyExA(root_, "\xC7" "a", 0, keyClass, 0, KEY_ALL_ACCESS, nullptr, &key, nullptr),
+              ERROR_SUCCESS);
     ASSERT_EQ(RegOpenKeyExW(root_, u"ça", 0, KEY_READ, &same), ERROR_SUCCESS);
     RegCloseKey(same);
 

@@ -31,6 +31,7 @@ std::string ProgramForRerun(const std::map<std::string, std::optional<std::strin
 bool LocaleFixedPerProcess() { return false; }
 unsigned long CurrentLocaleSetting(const std::string&) { return 0; }
 bool RunningUnderWine() { return false; }
+bool HoldBackupRight() { return true; }
 void UsePrivateRegistry() {}
 void RemovePrivateRegistry() {}
 

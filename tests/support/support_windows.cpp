@@ -208,6 +208,20 @@ void RemovePrivateRegistry() {
     if (ownsPrivateRegistry) RegDeleteTreeW(HKEY_CURRENT_USER, Wide(getenv(kPrivateRegistry)).c_str());
 }
 
+bool HoldBackupRight() {
+    HANDLE token = nullptr;
+    if (!OpenProcessToken(GetCurrentProcess(), TOKEN_ADJUST_PRIVILEGES, &token)) return false;
+    TOKEN_PRIVILEGES privileges{};
+    privileges.PrivilegeCount = 1;
+    privileges.Privileges[0].Attributes = SE_PRIVILEGE_ENABLED;
+    BOOL held = LookupPrivilegeValueW(nullptr, L"SeBackupPrivilege", &privileges.Privileges[0].Luid) &&
+                AdjustTokenPrivileges(token, FALSE, &privileges, 0, nullptr, nullptr);
+    // The call succeeds also when it could not enable the right, and says so only here.
+    held = held && GetLastError() == ERROR_SUCCESS;
+    CloseHandle(token);
+    return held;
+}
+
 bool RunningUnderWine() {
     const HMODULE ntdll = GetModuleHandleW(L"ntdll.dll");
     return ntdll && GetProcAddress(ntdll, "wine_get_version");

@@ -26,6 +26,9 @@ unsigned long CurrentLocaleSetting(const std::string& knob);
 // own directory already.
 void UsePrivateRegistry();
 void RemovePrivateRegistry();
+// Enables the right to back up files and registry keys, which Windows asks of RegSaveKey's caller;
+// the POSIX layer asks for none. False when the process cannot have it.
+bool HoldBackupRight();
 // Whether the tests run under Wine, which departs from Windows in a few places (README, "Windows").
 bool RunningUnderWine();
 

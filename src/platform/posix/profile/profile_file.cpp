@@ -266,7 +266,8 @@ bool ProfileFile::DeleteSection(const std::u16string& section) {
     // The last section takes the blank line before it, which parted it from the rest when it was
     // added, so that adding and deleting a section gives the file back as it was.
     if (end == lines_.size() && header > 0 && Trim(Decode(lines_[header - 1].raw)).empty()) --header;
-    lines_.erase(lines_.begin() + static_cast<std::ptrdiff_t>(header), lines_.begin() + static_cast<std::ptrdiff_t>(end));
+    lines_.erase(lines_.begin() + static_cast<std::ptrdiff_t>(header),
+                 lines_.begin() + static_cast<std::ptrdiff_t>(end));
     return true;
 }
 
