@@ -179,7 +179,7 @@ TEST(ProfileFiles, WritesKeepTheRestOfTheFile) {
                   "[Colours]\r\n"
                   "\r\n"
                   "[New]\r\n"
-              "k=v\r\n");
+                  "k=v\r\n");
     }
 #if !defined(_WIN32)  // the replacing file keeps the POSIX permissions of the old one
     struct stat status;
