@@ -33,6 +33,7 @@ unsigned long CurrentLocaleSetting(const std::string&) { return 0; }
 bool RunningUnderWine() { return false; }
 void UsePrivateRegistry() {}
 void RemovePrivateRegistry() {}
+void EndOnCrash() {}  // a signal ends the process with a failing status already
 
 int RunInChild(const std::function<int()>& body) {
     fflush(nullptr);

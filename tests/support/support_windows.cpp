@@ -208,6 +208,18 @@ void RemovePrivateRegistry() {
     if (ownsPrivateRegistry) RegDeleteTreeW(HKEY_CURRENT_USER, Wide(getenv(kPrivateRegistry)).c_str());
 }
 
+void EndOnCrash() {
+    SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX);
+    SetUnhandledExceptionFilter([](EXCEPTION_POINTERS* exception) -> LONG {
+        const DWORD code = exception->ExceptionRecord->ExceptionCode;
+        fprintf(stderr, "unhandled exception 0x%08lX at %p\n", static_cast<unsigned long>(code),
+                exception->ExceptionRecord->ExceptionAddress);
+        fflush(stderr);
+        TerminateProcess(GetCurrentProcess(), code);
+        return EXCEPTION_EXECUTE_HANDLER;
+    });
+}
+
 bool RunningUnderWine() {
     const HMODULE ntdll = GetModuleHandleW(L"ntdll.dll");
     return ntdll && GetProcAddress(ntdll, "wine_get_version");

@@ -26,6 +26,8 @@ unsigned long CurrentLocaleSetting(const std::string& knob);
 // own directory already.
 void UsePrivateRegistry();
 void RemovePrivateRegistry();
+// A crash ends the program with a failing status at once, with no debugger or dialog to wait for.
+void EndOnCrash();
 // Whether the tests run under Wine, which departs from Windows in a few places (README, "Windows").
 bool RunningUnderWine();
 
