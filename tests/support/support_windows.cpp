@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <gtest/gtest.h>
+#include <io.h>
 
 #include <cstdio>
 #include <cstdlib>
@@ -219,6 +220,8 @@ void EndOnCrash() {
         return EXCEPTION_EXECUTE_HANDLER;
     });
 }
+
+bool DescriptorIsOpen(int fd) { return _get_osfhandle(fd) != -1; }
 
 bool RunningUnderWine() {
     const HMODULE ntdll = GetModuleHandleW(L"ntdll.dll");
