@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <gtest/gtest.h>
+#include <io.h>
 
 #include <cstdio>
 #include <cstdlib>
@@ -221,6 +222,20 @@ bool HoldBackupRight() {
     CloseHandle(token);
     return held;
 }
+
+void EndOnCrash() {
+    SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX);
+    SetUnhandledExceptionFilter([](EXCEPTION_POINTERS* exception) -> LONG {
+        const DWORD code = exception->ExceptionRecord->ExceptionCode;
+        fprintf(stderr, "unhandled exception 0x%08lX at %p\n", static_cast<unsigned long>(code),
+                exception->ExceptionRecord->ExceptionAddress);
+        fflush(stderr);
+        TerminateProcess(GetCurrentProcess(), code);
+        return EXCEPTION_EXECUTE_HANDLER;
+    });
+}
+
+bool DescriptorIsOpen(int fd) { return _get_osfhandle(fd) != -1; }
 
 bool RunningUnderWine() {
     const HMODULE ntdll = GetModuleHandleW(L"ntdll.dll");
