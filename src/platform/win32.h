@@ -269,11 +269,13 @@ UINT GetSystemDirectoryW(LPWSTR buffer, UINT size) ZEL_SYSTEM_CALL(GetSystemDire
 // Profile files (posix/profile/): plain 8-bit INI files in the ANSI code page. A file name
 // without a directory lies in the Windows directory, which a write makes when it is missing; the
 // GetProfile and WriteProfile calls use win.ini there. Sections and keys match without regard to
-// case. A null section lists the sections, a null key the keys of the section, each name followed
+// case; a line without "=" is no key, and where a section appears twice its first holds the keys.
+// A null section lists the section headers, a null key the keys of the section, each name followed
 // by a zero and the list by a second one; a list that does not fit is cut to size - 2 with two
 // zeros, a value to size - 1. A missing key gives the default (null is ""), without its trailing
-// blanks. Writes keep comments and blank lines and replace the file through a temporary one; a
-// null value deletes the key and a null key the section. The A calls count bytes.
+// spaces, and the last error ERROR_FILE_NOT_FOUND. Writes keep comments and blank lines and
+// replace the file through a temporary one; a null value deletes the key and a null key the
+// section. The A calls count bytes.
 
 UINT GetProfileIntA(LPCSTR section, LPCSTR key, INT defaultValue) ZEL_SYSTEM_CALL(GetProfileIntA);
 UINT GetProfileIntW(LPCWSTR section, LPCWSTR key, INT defaultValue) ZEL_SYSTEM_CALL(GetProfileIntW);

@@ -4,7 +4,7 @@
 
 namespace {
 
-class RegistryEnumeration : public RegistryTest {
+class RegistryEnumeration : public RegistryKeyTest {
 protected:
     static std::u16string KeyAt(HKEY key, DWORD index) {
         WCHAR name[64];
@@ -27,7 +27,7 @@ protected:
 };
 
 TEST_F(RegistryEnumeration, AnyOrderOfIndexesAgreesWithCounting) {
-    HKEY parent = Create(u"Software\\Walk");
+    HKEY parent = Create(u"Walk", 0, root_);
     // Persistent and volatile sub-keys interleave in name order.
     for (const char16_t* name : {u"d", u"B", u"f"}) RegCloseKey(Create(name, REG_OPTION_NON_VOLATILE, parent));
     for (const char16_t* name : {u"c", u"E"}) RegCloseKey(Create(name, REG_OPTION_VOLATILE, parent));
@@ -39,7 +39,7 @@ TEST_F(RegistryEnumeration, AnyOrderOfIndexesAgreesWithCounting) {
 }
 
 TEST_F(RegistryEnumeration, WritesBetweenCallsMoveTheWalkAsTheyMoveTheList) {
-    HKEY parent = Create(u"Software\\Walk");
+    HKEY parent = Create(u"Walk", 0, root_);
     for (const char16_t* name : {u"b", u"d", u"f", u"h"}) RegCloseKey(Create(name, REG_OPTION_NON_VOLATILE, parent));
     for (const char16_t* name : {u"v1", u"v2", u"v3", u"v4"}) ASSERT_EQ(SetDword(parent, name, 1), ERROR_SUCCESS);
     EXPECT_EQ(KeyAt(parent, 0), u"b");
@@ -48,8 +48,8 @@ TEST_F(RegistryEnumeration, WritesBetweenCallsMoveTheWalkAsTheyMoveTheList) {
     EXPECT_EQ(ValueAt(parent, 1), u"v2");
 
     // Another process adds a key in front of the walk and removes a value behind it.
-    ASSERT_EQ(zeltest::RunInChild([] {
-                  HKEY key = Create(u"Software\\Walk");
+    ASSERT_EQ(zeltest::RunInChild([this] {
+                  HKEY key = Create(u"Walk", 0, root_);
                   RegCloseKey(Create(u"a", REG_OPTION_NON_VOLATILE, key));
                   return RegDeleteValueW(key, u"v1") == ERROR_SUCCESS ? 0 : 1;
               }),
@@ -63,8 +63,8 @@ TEST_F(RegistryEnumeration, WritesBetweenCallsMoveTheWalkAsTheyMoveTheList) {
     RegCloseKey(Create(u"c", REG_OPTION_VOLATILE, parent));
     EXPECT_EQ(KeyAt(parent, 4), u"h");  // a c d f h
     EXPECT_EQ(KeyAt(parent, 5), u"<status 259>");
-    ASSERT_EQ(SetDword(parent, u"v0", 1), ERROR_SUCCESS);
-    EXPECT_EQ(ValueAt(parent, 3), u"v0");  // v2 v3 v4 v0
+    ASSERT_EQ(SetDword(parent, u"v5", 1), ERROR_SUCCESS);
+    EXPECT_EQ(ValueAt(parent, 3), u"v5");  // v2 v3 v4 v5
     EXPECT_EQ(ValueAt(parent, 4), u"<status 259>");
     RegCloseKey(parent);
 }

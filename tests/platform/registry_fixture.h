@@ -82,4 +82,35 @@ protected:
     }
 };
 
+// The registry suites that run on every system work below a key of the test's own in
+// HKEY_CURRENT_USER, removed with everything below it at the end: on Windows the tests of a run
+// share one registry, which the registry directories above do not reach.
+class RegistryKeyTest : public RegistryTest {
+protected:
+    HKEY root_ = nullptr;
+    std::u16string rootPath_;
+
+    void SetUp() override {
+        const auto* test = ::testing::UnitTest::GetInstance()->current_test_info();
+        const std::string name = std::string(test->test_suite_name()) + "." + test->name();
+        rootPath_ = u"Software\\ZelTest\\" + std::u16string(name.begin(), name.end());
+        root_ = Create(rootPath_.c_str());
+    }
+
+    void TearDown() override {
+        RegCloseKey(root_);
+        DeleteTree(HKEY_CURRENT_USER, rootPath_.c_str());
+    }
+
+    static bool DeleteTree(HKEY parent, const char16_t* path) {
+        HKEY key = nullptr;
+        if (RegOpenKeyExW(parent, path, 0, KEY_ALL_ACCESS, &key) != ERROR_SUCCESS) return false;
+        WCHAR name[256];
+        while (RegEnumKeyW(key, 0, name, 256) == ERROR_SUCCESS && DeleteTree(key, name)) {
+        }
+        RegCloseKey(key);
+        return RegDeleteKeyW(parent, path) == ERROR_SUCCESS;
+    }
+};
+
 #endif  // ZEL_TESTS_PLATFORM_REGISTRY_FIXTURE_H

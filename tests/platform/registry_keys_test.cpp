@@ -1,21 +1,24 @@
 // Registry keys: creating, opening, listing, deleting, handles, rights and volatile keys.
-#include "registry_fixture.h"
+#include <algorithm>
 
-using RegistryKeys = RegistryTest;
+#include "registry_fixture.h"
+#include "support/system.h"
+
+using RegistryKeys = RegistryKeyTest;
 
 TEST_F(RegistryKeys, CreateAndOpenMatchNamesCaseBlindAndKeepTheFirstCase) {
     HKEY key = nullptr;
     DWORD disposition = 0;
-    for (auto [path, expected] : {std::pair{u"Software\\Zel\\Alpha\\Ünïcode", REG_CREATED_NEW_KEY},
-                                  std::pair{u"SOFTWARE\\zel\\ALPHA\\üNÏCODE\\", REG_OPENED_EXISTING_KEY}}) {
-        ASSERT_EQ(RegCreateKeyExW(HKEY_CURRENT_USER, path, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &key, &disposition),
+    for (auto [path, expected] : {std::pair{u"Zel\\Alpha\\Ünïcode", REG_CREATED_NEW_KEY},
+                                  std::pair{u"zel\\ALPHA\\üNÏCODE\\", REG_OPENED_EXISTING_KEY}}) {
+        ASSERT_EQ(RegCreateKeyExW(root_, path, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &key, &disposition),
                   ERROR_SUCCESS);
         EXPECT_EQ(disposition, static_cast<DWORD>(expected));
         RegCloseKey(key);
     }
 
     HKEY zel = nullptr, alpha = nullptr;
-    ASSERT_EQ(RegOpenKeyExW(HKEY_CURRENT_USER, u"software\\ZEL", 0, KEY_READ, &zel), ERROR_SUCCESS);
+    ASSERT_EQ(RegOpenKeyExW(root_, u"ZEL", 0, KEY_READ, &zel), ERROR_SUCCESS);
     EXPECT_EQ(SubKeys(zel), Names{u"Alpha"});
     ASSERT_EQ(RegOpenKeyW(zel, u"alpha", &alpha), ERROR_SUCCESS);
     EXPECT_EQ(SubKeys(alpha), Names{u"Ünïcode"});
@@ -30,26 +33,33 @@ TEST_F(RegistryKeys, CreateAndOpenMatchNamesCaseBlindAndKeepTheFirstCase) {
 }
 
 TEST_F(RegistryKeys, SubKeysListInCaseBlindOrder) {
-    HKEY parent = Create(u"Software\\Order");
+    HKEY parent = Create(u"Order", 0, root_);
     for (const char16_t* name : {u"gamma", u"_x", u"Alpha2", u"beta", u"ALPHA"}) RegCloseKey(Create(name, 0, parent));
-    // Upper-cased, '_' sorts after the letters; a case-sensitive order would put "_x" before "beta".
-    EXPECT_EQ(SubKeys(parent), (Names{u"ALPHA", u"Alpha2", u"beta", u"gamma", u"_x"}));
+    // No order is promised, yet Windows sorts by the upper-cased names, where '_' follows the
+    // letters (a case-sensitive order would put "_x" before "beta"); Wine 8 sorts by lower case.
+    const Names upperCaseOrder{u"ALPHA", u"Alpha2", u"beta", u"gamma", u"_x"};
+    const Names listed = SubKeys(parent);
+    EXPECT_TRUE(std::is_permutation(listed.begin(), listed.end(), upperCaseOrder.begin(), upperCaseOrder.end()));
+    if (!zeltest::RunningUnderWine()) { EXPECT_EQ(listed, upperCaseOrder); }
 
     WCHAR name[8];
-    EXPECT_EQ(RegEnumKeyW(parent, 0, name, 5), ERROR_MORE_DATA);  // "ALPHA" needs its terminator
-    EXPECT_EQ(RegEnumKeyW(parent, 0, name, 6), ERROR_SUCCESS);
-    EXPECT_EQ(std::u16string(name), u"ALPHA");
+    const std::u16string first = listed.empty() ? u"" : listed[0];
+    EXPECT_EQ(RegEnumKeyW(parent, 0, name, static_cast<DWORD>(first.size())), ERROR_MORE_DATA);  // and a terminator
+    EXPECT_EQ(RegEnumKeyW(parent, 0, name, static_cast<DWORD>(first.size() + 1)), ERROR_SUCCESS);
+    EXPECT_EQ(std::u16string(name), first);
     EXPECT_EQ(RegEnumKeyW(parent, 5, name, 8), ERROR_NO_MORE_ITEMS);
+#if !defined(_WIN32)  // Windows takes the name buffer as given and writes through a null one
     EXPECT_EQ(RegEnumKeyW(parent, 0, nullptr, 8), ERROR_INVALID_PARAMETER);
+#endif
     RegCloseKey(parent);
 }
 
 TEST_F(RegistryKeys, DeletingFollowsTheSystemRulesAndStrandsHandles) {
-    HKEY parent = Create(u"Software\\Doomed");
+    HKEY parent = Create(u"Doomed", 0, root_);
     HKEY child = Create(u"Child", 0, parent);
     EXPECT_EQ(SetDword(child, u"n", 1), ERROR_SUCCESS);
 
-    EXPECT_EQ(RegDeleteKeyW(HKEY_CURRENT_USER, u"Software\\Doomed"), ERROR_ACCESS_DENIED);
+    EXPECT_EQ(RegDeleteKeyW(root_, u"Doomed"), ERROR_ACCESS_DENIED);
     EXPECT_EQ(RegDeleteKeyW(parent, u"Nothing"), ERROR_FILE_NOT_FOUND);
     EXPECT_EQ(RegDeleteKeyW(parent, nullptr), ERROR_INVALID_PARAMETER);
     EXPECT_EQ(RegDeleteKeyW(parent, u"CHILD"), ERROR_SUCCESS);
@@ -69,14 +79,17 @@ TEST_F(RegistryKeys, DeletingFollowsTheSystemRulesAndStrandsHandles) {
               ERROR_KEY_DELETED);
     RegCloseKey(again);
 
-    // A hive's root and the default key stay.
+    // A hive's root and the default keys stay (a default key even when it is empty, as the tests'
+    // own machine key has it on Windows).
     EXPECT_EQ(RegDeleteKeyW(HKEY_LOCAL_MACHINE, u""), ERROR_ACCESS_DENIED);
+#if !defined(_WIN32)
     EXPECT_EQ(RegDeleteKeyW(HKEY_LOCAL_MACHINE, u"Software"), ERROR_ACCESS_DENIED);
+#endif
     RegCloseKey(parent);
 }
 
-TEST_F(RegistryKeys, HandlesCloseOnceAndTheOldCallsHandBackTheirKey) {
-    HKEY key = Create(u"Software\\Handles");
+TEST_F(RegistryKeys, HandlesCloseOnceAndPredefinedKeysComeBackAsThemselves) {
+    HKEY key = Create(u"Handles", 0, root_);
     EXPECT_EQ(RegCloseKey(key), ERROR_SUCCESS);
     EXPECT_EQ(RegCloseKey(key), ERROR_INVALID_HANDLE);
     EXPECT_EQ(RegCloseKey(nullptr), ERROR_INVALID_HANDLE);
@@ -84,51 +97,60 @@ TEST_F(RegistryKeys, HandlesCloseOnceAndTheOldCallsHandBackTheirKey) {
     EXPECT_EQ(SetDword(key, u"x", 1), ERROR_INVALID_HANDLE);
     EXPECT_EQ(SetDword(reinterpret_cast<HKEY>(static_cast<uintptr_t>(0x80000004)), u"x", 1), ERROR_INVALID_HANDLE);
 
+    // Without a sub-key a predefined key comes back as itself (Wine 8 makes RegCreateKey open a
+    // new handle); the extended call gives any other key a new handle.
     HKEY same = nullptr;
     EXPECT_EQ(RegOpenKeyW(HKEY_CLASSES_ROOT, u"", &same), ERROR_SUCCESS);
     EXPECT_EQ(same, HKEY_CLASSES_ROOT);
     EXPECT_EQ(RegCreateKeyW(HKEY_USERS, nullptr, &same), ERROR_SUCCESS);
-    EXPECT_EQ(same, HKEY_USERS);
-    // The extended call makes a new handle for the same key instead.
+    if (!zeltest::RunningUnderWine()) { EXPECT_EQ(same, HKEY_USERS); }
+    RegCloseKey(same);
     EXPECT_EQ(RegOpenKeyExW(HKEY_USERS, u"", 0, KEY_READ, &same), ERROR_SUCCESS);
-    EXPECT_NE(same, HKEY_USERS);
+    EXPECT_EQ(same, HKEY_USERS);
+    EXPECT_EQ(RegOpenKeyExW(root_, nullptr, 0, KEY_READ, &same), ERROR_SUCCESS);
+    EXPECT_NE(same, root_);
     EXPECT_EQ(RegCloseKey(same), ERROR_SUCCESS);
 }
 
 TEST_F(RegistryKeys, AHandleHoldsOnlyTheRightsItWasOpenedWith) {
-    RegCloseKey(Create(u"Software\\Rights"));
+    RegCloseKey(Create(u"Rights", 0, root_));
     HKEY reader = nullptr, writer = nullptr;
-    ASSERT_EQ(RegOpenKeyExW(HKEY_CURRENT_USER, u"Software\\Rights", 0, KEY_READ, &reader), ERROR_SUCCESS);
-    ASSERT_EQ(RegOpenKeyExW(HKEY_CURRENT_USER, u"Software\\Rights", 0, KEY_WRITE, &writer), ERROR_SUCCESS);
+    ASSERT_EQ(RegOpenKeyExW(root_, u"Rights", 0, KEY_READ, &reader), ERROR_SUCCESS);
+    ASSERT_EQ(RegOpenKeyExW(root_, u"Rights", 0, KEY_WRITE, &writer), ERROR_SUCCESS);
     EXPECT_EQ(SetDword(reader, u"v", 1), ERROR_ACCESS_DENIED);
     EXPECT_EQ(SetDword(writer, u"v", 1), ERROR_SUCCESS);
     EXPECT_EQ(RegQueryValueExW(writer, u"v", nullptr, nullptr, nullptr, nullptr), ERROR_ACCESS_DENIED);
     EXPECT_EQ(RegQueryValueExW(reader, u"v", nullptr, nullptr, nullptr, nullptr), ERROR_SUCCESS);
     EXPECT_EQ(RegDeleteValueW(reader, u"v"), ERROR_ACCESS_DENIED);
-    EXPECT_EQ(RegDeleteKeyW(writer, u""), ERROR_ACCESS_DENIED);  // KEY_WRITE lacks the right to delete
+    // Deleting a key asks nothing of the handle's rights.
+    EXPECT_EQ(RegDeleteKeyW(reader, u""), ERROR_SUCCESS);
+    EXPECT_EQ(SetDword(writer, u"v", 2), ERROR_KEY_DELETED);
     RegCloseKey(reader);
     RegCloseKey(writer);
 }
 
-TEST_F(RegistryKeys, VolatileKeysHoldOnlyVolatileKeysAndMakeLastingParents) {
-    HKEY dust = Create(u"Software\\Dust", REG_OPTION_VOLATILE), key = nullptr;
-    EXPECT_EQ(RegCreateKeyExW(dust, u"Stone", 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &key, nullptr),
-              ERROR_CHILD_MUST_BE_VOLATILE);
+TEST_F(RegistryKeys, VolatileKeysHoldOnlyVolatileKeysAndMakeVolatileParents) {
+    HKEY dust = Create(u"Dust", REG_OPTION_VOLATILE, root_), key = nullptr;
+    auto createLasting = [&](HKEY parent, const char16_t* path) {
+        return RegCreateKeyExW(parent, path, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &key, nullptr);
+    };
+    EXPECT_EQ(createLasting(dust, u"Stone"), ERROR_CHILD_MUST_BE_VOLATILE);
     RegCloseKey(Create(u"Ash", REG_OPTION_VOLATILE, dust));
-    RegCloseKey(Create(u"Software\\Dust", REG_OPTION_NON_VOLATILE));  // an existing key opens whatever the options
+    RegCloseKey(Create(u"Dust", REG_OPTION_NON_VOLATILE, root_));  // an existing key opens whatever the options
 
-    // Only the key named becomes volatile: its new parents last, so a lasting sibling fits.
-    RegCloseKey(Create(u"Software\\Made\\On\\TheWay", REG_OPTION_VOLATILE));
-    RegCloseKey(Create(u"Software\\Made\\On\\Lasting"));
-    EXPECT_EQ(RegCreateKeyExW(HKEY_CURRENT_USER, u"Software\\Made\\On\\TheWay\\Below", 0, nullptr, 0, KEY_ALL_ACCESS,
-                              nullptr, &key, nullptr),
-              ERROR_CHILD_MUST_BE_VOLATILE);
+    // Every key the call makes is volatile, the parents on the way too; those there already stay
+    // as they are.
+    RegCloseKey(Create(u"Made", 0, root_));
+    RegCloseKey(Create(u"Made\\On\\TheWay", REG_OPTION_VOLATILE, root_));
+    EXPECT_EQ(createLasting(root_, u"Made\\On\\Lasting"), ERROR_CHILD_MUST_BE_VOLATILE);
+    EXPECT_EQ(createLasting(root_, u"Made\\Lasting"), ERROR_SUCCESS);
+    RegCloseKey(key);
     RegCloseKey(dust);
 }
 
 TEST_F(RegistryKeys, QueryInfoGivesCountsLongestNamesClassAndTime) {
     WCHAR keyClass[] = u"Klass", subClass[] = u"LongerClass";
-    HKEY key = Create(u"Software\\Info", 0, HKEY_CURRENT_USER, keyClass);
+    HKEY key = Create(u"Info", 0, root_, keyClass);
     ASSERT_NE(key, nullptr);
     RegCloseKey(Create(u"SubKeyName", 0, key, subClass));
     RegCloseKey(Create(u"S", 0, key));
@@ -149,8 +171,10 @@ TEST_F(RegistryKeys, QueryInfoGivesCountsLongestNamesClassAndTime) {
         return RegQueryInfoKeyW(key, name, size, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
                                 time);
     };
+    // A short class buffer (Wine 8 answers ERROR_INSUFFICIENT_BUFFER).
     classSize = 5;
-    EXPECT_EQ(classAndTime(buffer, &classSize, nullptr), ERROR_MORE_DATA);
+    const LONG shortClass = classAndTime(buffer, &classSize, nullptr);
+    if (!zeltest::RunningUnderWine()) { EXPECT_EQ(shortClass, ERROR_MORE_DATA); }
     EXPECT_EQ(classSize, 5u);
     EXPECT_EQ(classAndTime(buffer, nullptr, nullptr), ERROR_INVALID_PARAMETER);
 

@@ -116,12 +116,14 @@ TEST_F(RegistryStore, WithoutADirectoryNamedTheHivesGoBelowTheConfigurationHome)
 TEST_F(RegistryStore, VolatileKeysStayOutOfTheHiveFileYetOtherProcessesSeeThem) {
     HKEY fleeting = Create(u"Software\\Fleeting", REG_OPTION_VOLATILE);
     ASSERT_EQ(SetText(fleeting, u"Mood", u"passing"), ERROR_SUCCESS);
-    RegCloseKey(Create(u"Software\\Made\\Transient", REG_OPTION_VOLATILE));
+    RegCloseKey(Create(u"Software\\Made"));
+    RegCloseKey(Create(u"Software\\Made\\Between\\Transient", REG_OPTION_VOLATILE));
     RegCloseKey(fleeting);
 
     std::string hive = DatabaseBytes(HiveFile());
-    for (const char16_t* name : {u"Fleeting", u"Mood", u"Transient"}) EXPECT_FALSE(HoldsName(hive, name));
-    EXPECT_TRUE(HoldsName(hive, u"Made"));  // the parent made on the way lasts
+    // The parents made on the way are volatile too; the one there before lasts.
+    for (const char16_t* name : {u"Fleeting", u"Mood", u"Between", u"Transient"}) EXPECT_FALSE(HoldsName(hive, name));
+    EXPECT_TRUE(HoldsName(hive, u"Made"));
 
     EXPECT_EQ(zeltest::RunInChild([] { return ReadText(u"Software\\Fleeting", u"Mood") == u"passing" ? 0 : 1; }), 0);
     // Another registry directory has volatile keys of its own.
@@ -199,6 +201,7 @@ TEST_F(RegistryStore, AFailedWriteChangesNothingAndLeavesNoFile) {
 TEST_F(RegistryStore, SaveKeyWritesTheSubtreeOnceAndNeverOverwrites) {
     HKEY key = Create(u"Software\\ToSave");
     ASSERT_EQ(SetText(key, u"top", u"level"), ERROR_SUCCESS);
+    RegCloseKey(Create(u"Child", REG_OPTION_NON_VOLATILE, key));
     HKEY child = Create(u"Child\\Grand", REG_OPTION_VOLATILE, key);
     ASSERT_EQ(SetDword(child, u"n", 5), ERROR_SUCCESS);
     RegCloseKey(child);

@@ -7,6 +7,8 @@
 #include <random>
 #include <string>
 
+#include <unistd.h>
+
 #if !defined(_WIN32)
 #include "platform/posix/profile/profile_file.h"
 #endif
@@ -44,20 +46,30 @@ TEST(ProfileAdapters, WriteReadAndDeleteInWideMode) {
     EXPECT_EQ(ReadFile(dir.file("p.ini")), "[Main]\r\nCount=0x20\r\n");
 
     // The writers pass the ANSI code page: what it lacks becomes '?'.
-    ScopedEnv codePage("ZEL_ACP", "1252");
+    zeltest::SystemLocale western({.acp = "1252"});
+    if (!western.active()) return;
     ASSERT_TRUE(ZelWritePrivateProfileString(u"Main", u"Count", u"\uD55C", file.c_str()));
     EXPECT_EQ(ReadFile(dir.file("p.ini")), "[Main]\r\nCount=?\r\n");
 }
 
+// win.ini is the system's, shared with other tests: the section is this process's. (Sections that
+// the system maps into the registry, such as Desktop, would not reach the file.)
 TEST(ProfileAdapters, TheCallsWithoutFileUseWinIni) {
     TempDir dir;
     ScopedEnv config("XDG_CONFIG_HOME", dir.path());
-    ASSERT_TRUE(ZelWriteProfileString(u"Desktop", u"Wallpaper", u"'none'"));
-    EXPECT_EQ(ZelGetProfileInt(u"desktop", u"wallpaper", 3), 0u);
+    const std::string own = "ZelDesk" + std::to_string(getpid());
+    const std::u16string section(own.begin(), own.end());
+    ASSERT_TRUE(ZelWriteProfileString(section.c_str(), u"Wallpaper", u"'none'"));
+    EXPECT_EQ(ZelGetProfileInt(section.c_str(), u"wallpaper", 3), 0u);
     WCHAR buffer[16] = {};
-    EXPECT_EQ(ZelGetProfileString(u"desktop", u"wallpaper", nullptr, buffer, 16), 4u);
+    EXPECT_EQ(ZelGetProfileString(section.c_str(), u"wallpaper", nullptr, buffer, 16), 4u);
     EXPECT_EQ(std::u16string(buffer), u"none");
-    EXPECT_EQ(ReadFile(dir.file("Morvalis/Windows/win.ini")), "[Desktop]\r\nWallpaper='none'\r\n");
+    WCHAR windows[MAX_PATH];
+    ASSERT_GT(GetWindowsDirectoryW(windows, MAX_PATH), 0u);
+    const std::string winIni = ZelPlatformPathToSystem(windows) + "/win.ini";
+    EXPECT_NE(ReadFile(winIni).find("[" + own + "]\r\nWallpaper='none'\r\n"), std::string::npos);
+    ASSERT_TRUE(ZelWriteProfileString(section.c_str(), nullptr, nullptr));
+    EXPECT_EQ(ReadFile(winIni).find(own), std::string::npos);
 }
 
 // Runs in a child as on the 95 family with code page 949; the parent only starts the child.

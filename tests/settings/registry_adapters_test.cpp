@@ -13,6 +13,7 @@
 #include "platform/win32.h"
 #include "settings/registry_adapters.h"
 #include "support/support.h"
+#include "support/system.h"
 
 namespace {
 
@@ -144,6 +145,7 @@ TEST(RegistryAdapter, SystemSidePassesDataAsBytesAndCopiesNamesBounded) {
     EXPECT_EQ(ZelGetWinVersion() == 1 ? 3 : 8, size);
 
     // The last argument of the save means nothing: the system registry is saved.
+    ASSERT_TRUE(zeltest::HoldBackupRight());
     zeltest::TempDir dir;
     EXPECT_EQ(0, ZelRegSaveKey(key, ZelPlatformPathFromSystem(dir.file("saved").c_str()).c_str(), nullptr, 1));
     EXPECT_EQ(0, ::access(dir.file("saved").c_str(), F_OK));

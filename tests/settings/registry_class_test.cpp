@@ -105,10 +105,11 @@ TEST_P(RegistryClass, StringAndBinaryBuffers) {
     EXPECT_EQ(std::u16string(u"hello"), text);
     EXPECT_EQ(0, reg.GetStringValue(nullptr, u"missing", object));
 
-    // Text stored without a terminator reads whole, into a buffer of the stored size.
+    // Text stored without a terminator reads whole, into a buffer of the stored size. (Windows adds
+    // the terminator itself when the byte behind the data given is a zero.)
     HKEY key = nullptr;
     ASSERT_EQ(ERROR_SUCCESS, ZelRegOpenKey(HKEY_CURRENT_USER, Key(u"Buffers").c_str(), &key, side()));
-    ZelRegSetValueEx(key, u"bare", 0, REG_SZ, reinterpret_cast<const BYTE*>("abcd"), 4, side());
+    ZelRegSetValueEx(key, u"bare", 0, REG_SZ, reinterpret_cast<const BYTE*>("abcdX"), 4, side());
     ZelRegCloseKey(key, side());
     EXPECT_EQ(1, reg.GetStringValue(nullptr, u"bare", text, 4));
     EXPECT_EQ(std::u16string(u"abc"), text);

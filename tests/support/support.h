@@ -75,7 +75,7 @@ ProgramResult RunTestsInNewProcess(const std::string& filter,
 // Wine from its LANG; the suite runs in several), so there the object only compares, and
 // `active()` is false in a process of another locale: the case is checked in the run of its own.
 struct LocaleSettings {
-    std::optional<std::string> acp, oemcp, lcid, systemLcid;
+    std::optional<std::string> acp = {}, oemcp = {}, lcid = {}, systemLcid = {};
 };
 class SystemLocale {
 public:

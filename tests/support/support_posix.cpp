@@ -42,8 +42,11 @@ std::optional<std::string> TempDirOfFirstRun() { return std::nullopt; }
 bool LocaleFixedPerProcess() { return false; }
 unsigned long CurrentLocaleSetting(const std::string&) { return 0; }
 bool RunningUnderWine() { return false; }
+bool HoldBackupRight() { return true; }
+bool DescriptorIsOpen(int fd) { return fcntl(fd, F_GETFD) != -1; }
 void UsePrivateRegistry() {}
 void RemovePrivateRegistry() {}
+void EndOnCrash() {}  // a signal ends the process with a failing status already
 
 int RunInChild(const std::function<int()>& body) {
     fflush(nullptr);

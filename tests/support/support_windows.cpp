@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <gtest/gtest.h>
+#include <io.h>
 
 #include <cstdio>
 #include <cstdlib>
@@ -255,6 +256,34 @@ void RemovePrivateRegistry() {
     for (HKEY root : {HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE}) RegOverridePredefKey(root, nullptr);
     if (ownsPrivateRegistry) RegDeleteTreeW(HKEY_CURRENT_USER, Wide(getenv(kPrivateRegistry)).c_str());
 }
+
+bool HoldBackupRight() {
+    HANDLE token = nullptr;
+    if (!OpenProcessToken(GetCurrentProcess(), TOKEN_ADJUST_PRIVILEGES, &token)) return false;
+    TOKEN_PRIVILEGES privileges{};
+    privileges.PrivilegeCount = 1;
+    privileges.Privileges[0].Attributes = SE_PRIVILEGE_ENABLED;
+    BOOL held = LookupPrivilegeValueW(nullptr, L"SeBackupPrivilege", &privileges.Privileges[0].Luid) &&
+                AdjustTokenPrivileges(token, FALSE, &privileges, 0, nullptr, nullptr);
+    // The call succeeds also when it could not enable the right, and says so only here.
+    held = held && GetLastError() == ERROR_SUCCESS;
+    CloseHandle(token);
+    return held;
+}
+
+void EndOnCrash() {
+    SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX);
+    SetUnhandledExceptionFilter([](EXCEPTION_POINTERS* exception) -> LONG {
+        const DWORD code = exception->ExceptionRecord->ExceptionCode;
+        fprintf(stderr, "unhandled exception 0x%08lX at %p\n", static_cast<unsigned long>(code),
+                exception->ExceptionRecord->ExceptionAddress);
+        fflush(stderr);
+        TerminateProcess(GetCurrentProcess(), code);
+        return EXCEPTION_EXECUTE_HANDLER;
+    });
+}
+
+bool DescriptorIsOpen(int fd) { return _get_osfhandle(fd) != -1; }
 
 bool RunningUnderWine() {
     const HMODULE ntdll = GetModuleHandleW(L"ntdll.dll");

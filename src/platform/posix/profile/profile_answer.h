@@ -17,8 +17,8 @@ struct ProfileAnswer {
 };
 
 // The value of a key, its default, or the list that a null section or key asks for. The last
-// error is ERROR_FILE_NOT_FOUND when the file does not exist, else ERROR_SUCCESS or why the file
-// could not be read (the answer is then that of a missing file).
+// error is ERROR_FILE_NOT_FOUND when the file or the key does not exist, else ERROR_SUCCESS or why
+// the file could not be read (the answer is then that of a missing file).
 ProfileAnswer QueryProfile(LPCWSTR section, LPCWSTR key, LPCWSTR defaultValue, LPCWSTR fileName);
 
 // The integer of a value: blanks, a sign, then digits in base 16, 8 or 2 after "0x", "0o" or

@@ -19,9 +19,10 @@ std::u16string WithoutQuotes(const std::u16string& value) {
     return value;
 }
 
+// The default loses its trailing spaces; tabs stay.
 std::u16string DefaultOf(LPCWSTR defaultValue) {
     std::u16string text = defaultValue ? defaultValue : u"";
-    while (!text.empty() && IsBlank(text.back())) text.pop_back();
+    while (!text.empty() && text.back() == u' ') text.pop_back();
     return text;
 }
 
@@ -66,6 +67,8 @@ ProfileAnswer QueryProfile(LPCWSTR section, LPCWSTR key, LPCWSTR defaultValue, L
         const std::optional<std::u16string> value =
             found < 0 ? ProfileFile(bytes).Value(section, key) : found ? std::optional(text) : std::nullopt;
         answer.items.push_back(value ? WithoutQuotes(*value) : DefaultOf(defaultValue));
+        // The default stands in for a key that is not there, and the last error says so.
+        if (!value && status == ERROR_SUCCESS) status = ERROR_FILE_NOT_FOUND;
     }
     SetLastError(status);
     return answer;
@@ -92,11 +95,12 @@ UINT ParseProfileInt(const std::u16string& text) {
 
 using zelprofile::ProfileAnswer;
 
+// The text that the string call gives is read as a number; with a null section or key that is the
+// list of names, read up to its first terminator.
 UINT GetPrivateProfileIntW(LPCWSTR section, LPCWSTR key, INT defaultValue, LPCWSTR fileName) {
-    if (!section || !key) return static_cast<UINT>(defaultValue);
     const ProfileAnswer answer = zelprofile::QueryProfile(section, key, u"", fileName);
-    const std::u16string& text = answer.items.front();
-    return text.empty() ? static_cast<UINT>(defaultValue) : zelprofile::ParseProfileInt(text);
+    if (answer.items.empty() || answer.items.front().empty()) return static_cast<UINT>(defaultValue);
+    return zelprofile::ParseProfileInt(answer.items.front());
 }
 
 UINT GetProfileIntW(LPCWSTR section, LPCWSTR key, INT defaultValue) {
@@ -122,7 +126,7 @@ BOOL WritePrivateProfileStringW(LPCWSTR section, LPCWSTR key, LPCWSTR value, LPC
     if (!section) {
         // All null asks to flush a cache, and nothing is cached here.
         if (!key && !value) return TRUE;
-        SetLastError(ERROR_INVALID_PARAMETER);
+        SetLastError(ERROR_FILE_NOT_FOUND);
         return FALSE;
     }
     // A line break would make lines of its own in the file, and a key without a name no entry.

@@ -51,11 +51,13 @@ ProfileLine ParseLine(std::string raw) {
         line.name = Trim(text.substr(1, close == npos ? npos : close - 1));
         return line;
     }
+    // A line without "=" is no key: it is neither listed nor read, only kept.
     const size_t equals = text.find(u'=');
+    if (equals == npos) return line;
     line.name = Trim(text.substr(0, equals));
     if (line.name.empty()) return line;
     line.kind = ProfileLine::Kind::Entry;
-    if (equals != npos) line.value = Trim(text.substr(equals + 1));
+    line.value = Trim(text.substr(equals + 1));
     return line;
 }
 
@@ -75,9 +77,10 @@ ProfileLine::Kind AsciiLine(std::string_view raw, std::string_view& name, std::s
         return ProfileLine::Kind::Section;
     }
     const size_t equals = text.find('=');
+    if (equals == npos) return ProfileLine::Kind::Other;
     name = trim(text.substr(0, equals));
     if (name.empty()) return ProfileLine::Kind::Other;
-    value = equals == npos ? std::string_view() : trim(text.substr(equals + 1));
+    value = trim(text.substr(equals + 1));
     return ProfileLine::Kind::Entry;
 }
 
@@ -200,12 +203,8 @@ size_t ProfileFile::FindEntry(size_t header, const std::u16string& key) const {
 
 std::vector<std::u16string> ProfileFile::SectionNames() const {
     std::vector<std::u16string> names;
-    for (const ProfileLine& line : lines_) {
-        if (line.kind != ProfileLine::Kind::Section) continue;
-        const bool seen = std::any_of(names.begin(), names.end(),
-                                      [&](const std::u16string& name) { return SameName(name, line.name); });
-        if (!seen) names.push_back(line.name);
-    }
+    for (const ProfileLine& line : lines_)
+        if (line.kind == ProfileLine::Kind::Section) names.push_back(line.name);
     return names;
 }
 
@@ -261,16 +260,15 @@ bool ProfileFile::DeleteKey(const std::u16string& section, const std::u16string&
 }
 
 bool ProfileFile::DeleteSection(const std::u16string& section) {
-    bool changed = false;
-    for (size_t header; (header = FindSection(section)) != npos; changed = true) {
-        const size_t end = SectionEnd(header);
-        // The last section takes the blank line before it, which parted it from the rest when it
-        // was added, so that adding and deleting a section gives the file back as it was.
-        if (end == lines_.size() && header > 0 && Trim(Decode(lines_[header - 1].raw)).empty()) --header;
-        lines_.erase(lines_.begin() + static_cast<std::ptrdiff_t>(header),
-                     lines_.begin() + static_cast<std::ptrdiff_t>(end));
-    }
-    return changed;
+    size_t header = FindSection(section);
+    if (header == npos) return false;
+    const size_t end = SectionEnd(header);
+    // The last section takes the blank line before it, which parted it from the rest when it was
+    // added, so that adding and deleting a section gives the file back as it was.
+    if (end == lines_.size() && header > 0 && Trim(Decode(lines_[header - 1].raw)).empty()) --header;
+    lines_.erase(lines_.begin() + static_cast<std::ptrdiff_t>(header),
+                 lines_.begin() + static_cast<std::ptrdiff_t>(end));
+    return true;
 }
 
 }  // namespace zelprofile

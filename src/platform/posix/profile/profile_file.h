@@ -35,14 +35,15 @@ public:
     // The bytes to write back, every line ended by the file's own line break.
     std::string Bytes() const;
 
-    // Section names in file order, each once, in the spelling of its first header.
+    // The names of the section headers in file order; a section that appears twice is named twice.
     std::vector<std::u16string> SectionNames() const;
     // The keys of the first section of that name; nullopt when there is none.
     std::optional<std::vector<std::u16string>> KeyNames(const std::u16string& section) const;
     // The value of the key, as the file holds it; nullopt when section or key is missing.
     std::optional<std::u16string> Value(const std::u16string& section, const std::u16string& key) const;
 
-    // Edits; each gives whether anything changed. Texts are the caller's, converted on writing.
+    // Edits of the first section of that name; each gives whether anything changed. Texts are the
+    // caller's, converted on writing.
     bool Set(const std::u16string& section, const std::u16string& key, const std::u16string& value);
     bool DeleteKey(const std::u16string& section, const std::u16string& key);
     bool DeleteSection(const std::u16string& section);

@@ -7,9 +7,6 @@
 
 namespace zelreg {
 
-// The standard right to delete the object itself.
-constexpr REGSAM kDeleteAccess = 0x00010000;
-
 struct KeyRef {
     int hive = -1;
     int64_t id = kRootId;

@@ -1,9 +1,8 @@
 // Opening, creating, closing and deleting registry keys.
 //
-// Volatile keys: RegCreateKeyEx with REG_OPTION_VOLATILE makes only the key it names volatile. The
-// parents it has to make on the way are volatile only when they sit below a volatile key already;
-// below a lasting key they last too, so that a lasting key can still be made beside the volatile
-// one later. A lasting key cannot be made below a volatile one (ERROR_CHILD_MUST_BE_VOLATILE).
+// Volatile keys: RegCreateKeyEx with REG_OPTION_VOLATILE makes every key it creates volatile, the
+// parents it has to make on the way included; keys that exist already keep what they are. A
+// lasting key cannot be made below a volatile one (ERROR_CHILD_MUST_BE_VOLATILE).
 #include "platform/posix/registry/registry_handles.h"
 #include "platform/posix/registry/registry_store.h"
 #include "platform/win32.h"
@@ -52,6 +51,11 @@ void TouchParent(HiveDatabase& db, const KeyRow& key) {
 LONG RegOpenKeyExW(HKEY key, LPCWSTR subKey, DWORD options, REGSAM access, PHKEY result) {
     (void)options;
     if (!result) return ERROR_INVALID_PARAMETER;
+    // A predefined key without a sub-key comes back as itself; any other key gets a new handle.
+    if ((!subKey || !*subKey) && HiveOfPredefined(key) >= 0) {
+        *result = key;
+        return ERROR_SUCCESS;
+    }
     *result = nullptr;
     std::lock_guard<std::mutex> lock(RegistryMutex());
     Located at;
@@ -115,8 +119,7 @@ LONG RegCreateKeyExW(HKEY key, LPCWSTR subKey, DWORD reserved, LPWSTR keyClass, 
             for (; i < at.parts.size(); ++i) {
                 bool last = i + 1 == at.parts.size();
                 KeyRow sub;
-                if (!db.AddKey(target, at.parts[i], last ? makeVolatile : target.isVolatile,
-                               last ? newClass : std::u16string(), sub))
+                if (!db.AddKey(target, at.parts[i], makeVolatile, last ? newClass : std::u16string(), sub))
                     return ERROR_SUCCESS;  // the failure is the database's
                 if (sub.isVolatile == target.isVolatile) db.Touch(target.id, target.isVolatile);
                 target = sub;
@@ -157,9 +160,8 @@ LONG RegDeleteKeyW(HKEY key, LPCWSTR subKey) {
         size_t found = 0;
         LONG walked = Walk(db, at, target, found);
         if (walked != ERROR_SUCCESS) return walked;
-        // An empty sub-key deletes the handle's own key, which needs the right to delete on the
-        // handle.
-        if (at.parts.empty() && !(at.ref.access & kDeleteAccess)) return ERROR_ACCESS_DENIED;
+        // The rights the handle was opened with play no part: an empty sub-key deletes the
+        // handle's own key whatever they are.
         if (found < at.parts.size()) return ERROR_FILE_NOT_FOUND;
         // A hive's root, a key with sub-keys and the default keys stay.
         if (target.id == kRootId || db.HasChildren(target.id) || IsDefaultKey(at.ref.hive, target))
