@@ -70,7 +70,7 @@ TEST(SystemInfo, ArgumentsStopAtTheCountAndCutWithoutTerminator) {
 }
 
 TEST(SystemInfo, FileTimeAsTextInTheUsersLanguage) {
-    zeltest::SystemLocale english({.acp = {}, .oemcp = {}, .lcid = "0x409", .systemLcid = {}});
+    zeltest::SystemLocale english({.lcid = "0x409"});
     FILETIME june = ZelPlatformFileTimeFromUnix(1718454896, 0);  // mid-June 2024 everywhere
     WCHAR date[MAX_PATH];
     WCHAR both[MAX_PATH];

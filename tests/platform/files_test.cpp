@@ -261,7 +261,7 @@ TEST(Files, DriveLettersAndTheCurrentDirectory) {
 
 // An A call under the Korean code page reaches the UTF-8 name on disk, and the name comes back.
 TEST(Files, AnsiNamesGoThroughTheAnsiCodePage) {
-    zeltest::SystemLocale korean({.acp = "949", .oemcp = {}, .lcid = {}, .systemLcid = {}});
+    zeltest::SystemLocale korean({.acp = "949"});
     if (!korean.active()) GTEST_SKIP() << "checked in the run with the Korean code page";
     TempDir dir;
     std::string name = ZelPlatformWideToAnsi((W(dir.path()) + u"\\").c_str()) + "\xc7\xd1.txt";
