@@ -23,6 +23,8 @@ void SetEnvironment(const std::string& name, const std::optional<std::string>& v
 
 std::string OwnProgramPath() { return "/proc/self/exe"; }
 
+bool RunningUnderWine() { return false; }
+
 int RunInChild(const std::function<int()>& body) {
     fflush(nullptr);
     pid_t pid = fork();

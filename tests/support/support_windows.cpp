@@ -75,6 +75,11 @@ void ReadAll(HANDLE pipe, std::string* into) {
 
 }  // namespace
 
+bool RunningUnderWine() {
+    HMODULE ntdll = GetModuleHandleW(L"ntdll.dll");
+    return ntdll && GetProcAddress(ntdll, "wine_get_version");
+}
+
 void SetEnvironment(const std::string& name, const std::optional<std::string>& value) {
     // An empty value removes the variable from the run-time's copy, as a missing one.
     _putenv_s(name.c_str(), value ? value->c_str() : "");

@@ -12,6 +12,8 @@ namespace zeltest {
 void SetEnvironment(const std::string& name, const std::optional<std::string>& value);
 // The file of this test program, for running it again.
 std::string OwnProgramPath();
+// Whether the program runs under Wine rather than on Windows (never on POSIX).
+bool RunningUnderWine();
 
 }  // namespace zeltest
 
