@@ -7,6 +7,7 @@
 #include <sstream>
 #include <stdexcept>
 
+#include "platform/win32.h"
 #include "support/system.h"
 
 namespace zeltest {
@@ -32,6 +33,21 @@ ScopedEnv::ScopedEnv(const std::string& name, const std::optional<std::string>& 
 }
 
 ScopedEnv::~ScopedEnv() { SetEnvironment(name_, old_); }
+
+SystemLocale::SystemLocale(const Settings& settings) {
+#ifdef _WIN32
+    auto matches = [](const std::optional<std::string>& wanted, unsigned long actual) {
+        return !wanted || std::stoul(*wanted, nullptr, 0) == actual;
+    };
+    active_ = matches(settings.acp, GetACP()) && matches(settings.oemcp, GetOEMCP()) &&
+              matches(settings.lcid, GetUserDefaultLCID()) && matches(settings.systemLcid, GetSystemDefaultLCID());
+#else
+    if (settings.acp) acp_.emplace("ZEL_ACP", settings.acp);
+    if (settings.oemcp) oemcp_.emplace("ZEL_OEMCP", settings.oemcp);
+    if (settings.lcid) lcid_.emplace("ZEL_LCID", settings.lcid);
+    if (settings.systemLcid) systemLcid_.emplace("ZEL_SYSTEM_LCID", settings.systemLcid);
+#endif
+}
 
 std::string ReadFile(const std::string& path) {
     std::ifstream in(path, std::ios::binary);

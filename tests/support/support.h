@@ -38,6 +38,21 @@ private:
     std::optional<std::string> old_;
 };
 
+// The system's locale for a test: on POSIX set through the layer's variables for the object's
+// life; on Windows only compared with the process's own, and active() tells whether it matches.
+class SystemLocale {
+public:
+    struct Settings {
+        std::optional<std::string> acp, oemcp, lcid, systemLcid;
+    };
+    explicit SystemLocale(const Settings& settings);
+    bool active() const { return active_; }
+
+private:
+    std::optional<ScopedEnv> acp_, oemcp_, lcid_, systemLcid_;
+    bool active_ = true;
+};
+
 // Runs body in a forked child and gives its exit status, or -1 when it did not exit normally.
 int RunInChild(const std::function<int()>& body);
 
