@@ -43,7 +43,7 @@ private:
 class SystemLocale {
 public:
     struct Settings {
-        std::optional<std::string> acp, oemcp, lcid, systemLcid;
+        std::optional<std::string> acp{}, oemcp{}, lcid{}, systemLcid{};
     };
     explicit SystemLocale(const Settings& settings);
     bool active() const { return active_; }

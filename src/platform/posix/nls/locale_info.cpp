@@ -1,5 +1,6 @@
 // GetLocaleInfo over the table of the system's locales. The default locales stand for the user's
-// and the system's language; a language the table lacks, or lacks a sublanguage of, is unknown.
+// and the system's language, a neutral language for its main locale; a language the table lacks,
+// or lacks a sublanguage of, is unknown.
 #include <cstdio>
 #include <cstring>
 #include <string>
@@ -15,11 +16,21 @@ namespace {
 constexpr LCTYPE kIgnoredTypeFlags = LOCALE_NOUSEROVERRIDE | LOCALE_USE_CP_ACP;
 
 
+// A neutral language (no sublanguage) answers for the locale of its main country.
+LANGID NeutralDefault(LANGID language) {
+    switch (PRIMARYLANGID(language)) {
+        case LANG_CHINESE: return MAKELANGID(LANG_CHINESE, 0x02);  // simplified, PRC
+        case 0x0A: return MAKELANGID(0x0A, 0x03);                  // Spanish, modern sort
+        default: return MAKELANGID(PRIMARYLANGID(language), SUBLANG_DEFAULT);
+    }
+}
+
 const ZelLocaleFacts* FactsOf(LCID locale) {
     LANGID language = LANGIDFROMLCID(locale);
     if (locale == LOCALE_USER_DEFAULT || locale == 0) language = GetUserDefaultLangID();
     else if (locale == LOCALE_SYSTEM_DEFAULT) language = GetSystemDefaultLangID();
     else if (locale > 0xFFFF) language = 0;  // sort orders other than the default are not kept
+    else if (SUBLANGID(language) == 0) language = NeutralDefault(language);
     return language ? ZelPlatformLocaleFacts(language) : nullptr;
 }
 
