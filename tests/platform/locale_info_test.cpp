@@ -10,8 +10,6 @@
 
 namespace {
 
-using zeltest::ScopedEnv;
-
 // The W answer as ASCII text, or "error N".
 std::string Info(LCID locale, LCTYPE type) {
     WCHAR buffer[80];
@@ -68,10 +66,19 @@ TEST(LocaleInfo, NamesCodePagesAndIds) {
 }
 
 TEST(LocaleInfo, DefaultLocalesFollowTheUserAndTheSystem) {
-    ScopedEnv user("ZEL_LCID", std::string("0x411")), system("ZEL_SYSTEM_LCID", std::string("0x407"));
-    EXPECT_EQ(Info(LOCALE_USER_DEFAULT, LOCALE_SABBREVLANGNAME), "JPN");
-    EXPECT_EQ(Info(0, LOCALE_SABBREVLANGNAME), "JPN");
-    EXPECT_EQ(Info(LOCALE_SYSTEM_DEFAULT, LOCALE_SABBREVLANGNAME), "DEU");
+    struct {
+        const char *user, *system, *userName, *systemName;
+    } cases[] = {
+        {"0x412", "0x412", "KOR", "KOR"}, {"0x411", "0x411", "JPN", "JPN"}, {"0x409", "0x409", "ENU", "ENU"},
+        {"0x411", "0x407", "JPN", "DEU"},  // each side its own
+    };
+    for (const auto& c : cases) {
+        zeltest::SystemLocale locale({.lcid = c.user, .systemLcid = c.system});
+        if (!locale.active()) continue;
+        EXPECT_EQ(Info(LOCALE_USER_DEFAULT, LOCALE_SABBREVLANGNAME), c.userName);
+        EXPECT_EQ(Info(0, LOCALE_SABBREVLANGNAME), c.userName);
+        EXPECT_EQ(Info(LOCALE_SYSTEM_DEFAULT, LOCALE_SABBREVLANGNAME), c.systemName);
+    }
 }
 
 TEST(LocaleInfo, CountingInBothForms) {
