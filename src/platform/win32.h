@@ -41,6 +41,9 @@ BOOL TlsSetValue(DWORD index, LPVOID value) ZEL_SYSTEM_CALL(TlsSetValue);
 // Asks the system to back a block of whole 2 MB pages with large pages; only a hint.
 void ZelPlatformPreferLargePages(void* block, size_t bytes);
 
+// The environment as 16-bit text (posix/process/environment.cpp, from the UTF-8 environment).
+DWORD GetEnvironmentVariableW(LPCWSTR name, LPWSTR buffer, DWORD size) ZEL_SYSTEM_CALL(GetEnvironmentVariableW);
+
 LONG InterlockedIncrement(LONG volatile* value);
 LONG InterlockedDecrement(LONG volatile* value);
 

@@ -330,10 +330,8 @@ TEST_F(CodeTableTest, ConcurrentFirstLoadsReadOnce) {
 
 // The code page tables that the build made from the system's conversions.
 TEST_F(CodeTableTest, ShippedCodePageTablesLoad) {
-    std::string library = ZEL_TEST_LIBRARY_PATH;
-    std::string shipped = library.substr(0, library.rfind('/')) + "/Code";
     ZelUnregisterPath(u"Common");
-    ASSERT_TRUE(ZelRegisterPath(u"Common", ZelPlatformPathFromSystem(library.substr(0, library.rfind('/')).c_str()).c_str()));
+    ASSERT_TRUE(ZelRegisterPath(u"Common", ZelPlatformPathFromSystem(ZEL_TEST_LIBRARY_DIR).c_str()));
     struct Sample {
         UINT codePage;
         WORD code;

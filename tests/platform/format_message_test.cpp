@@ -68,7 +68,7 @@ TEST(FormatMessage, EveryCodeThePlatformReportsHasAText) {
                                 ERROR_FILE_EXISTS, ERROR_HANDLE_EOF, ERROR_KEY_DELETED, ERROR_BADKEY,
                                 ERROR_BADDB, ERROR_CANTOPEN, ERROR_CANTREAD, ERROR_CANTWRITE,
                                 ERROR_REGISTRY_CORRUPT, ERROR_REGISTRY_IO_FAILED, ERROR_CHILD_MUST_BE_VOLATILE,
-                                ERROR_RESOURCE_DATA_NOT_FOUND, ERROR_RESOURCE_TYPE_NOT_FOUND,
+                                ERROR_RESOURCE_DATA_NOT_FOUND, ERROR_RESOURCE_TYPE_NOT_FOUND, ERROR_ENVVAR_NOT_FOUND,
                                 ERROR_NO_UNICODE_TRANSLATION, ERROR_DIRECTORY, ERROR_BAD_PATHNAME,
                                 ERROR_INVALID_FLAGS, ERROR_NOT_FOUND, ERROR_NOACCESS, ERROR_BUFFER_OVERFLOW,
                                 1155 /* no association */};
