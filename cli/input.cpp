@@ -27,7 +27,7 @@ std::optional<std::string> TooLarge(const std::string& path) {
 
 std::optional<std::string> ReadInput(const std::string& path) {
     const bool standardInput = path == "-";
-    const int fd = standardInput ? STDIN_FILENO : open(path.c_str(), O_RDONLY | kOpenPlain);
+    const int fd = standardInput ? STDIN_FILENO : OpenByName(path, O_RDONLY | kOpenPlain);
     if (fd < 0) return CannotRead(path, errno);
     struct stat st {};
     std::optional<std::string> bytes;

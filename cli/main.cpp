@@ -73,29 +73,31 @@ const std::vector<Command>& Commands() {
 
 int main(int argc, char** argv) {
     KeepRunningOverFileSizeLimit();
-    if (argc < 2) {
+    const std::vector<std::string> all = StartCommand(argc, argv);
+    if (all.size() < 2) {
         fputs("zel: no command given\n\n", stderr);
         Help(stderr);
         return kExitMisuse;
     }
-    if (IsHelp(argv[1]) || !strcmp(argv[1], "help")) {
-        if (argc > 2) return fputs("zel: --help stands alone\n\n", stderr), Help(stderr), kExitMisuse;
+    const std::string& name = all[1];
+    if (IsHelp(name.c_str()) || name == "help") {
+        if (all.size() > 2) return fputs("zel: --help stands alone\n\n", stderr), Help(stderr), kExitMisuse;
         Help(stdout);
         return Finish(kExitDone);
     }
-    if (!strcmp(argv[1], "--version")) {
-        if (argc > 2) return fputs("zel: --version stands alone\n\n", stderr), Help(stderr), kExitMisuse;
+    if (name == "--version") {
+        if (all.size() > 2) return fputs("zel: --version stands alone\n\n", stderr), Help(stderr), kExitMisuse;
         return Finish(ShowVersion());
     }
     for (const Command& command : Commands()) {
-        if (strcmp(argv[1], command.name) != 0) continue;
+        if (name != command.name) continue;
         SetRunningCommand(&command);
-        const Args args(argv + 2, argv + argc);
+        const Args args(all.begin() + 2, all.end());
         if (args.size() == 1 && (args[0] == "--help" || args[0] == "-h")) return Finish(ShowUsage());
         for (const std::string& arg : args)
             if (arg == "--help") return Misuse("--help stands alone: zel " + std::string(command.name) + " --help");
         return Finish(command.run(args));
     }
-    fprintf(stderr, "zel: unknown command '%s' (see zel --help)\n", argv[1]);
+    fprintf(stderr, "zel: unknown command '%s' (see zel --help)\n", name.c_str());
     return kExitMisuse;
 }

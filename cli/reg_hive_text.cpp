@@ -27,6 +27,7 @@
 #include "registry_text.h"
 #include "report.h"
 #include "text.h"
+#include "system.h"
 
 namespace {
 
@@ -141,7 +142,7 @@ int Export(const std::string& keyText, const std::string& file) {
     RegistryPath path;
     if (!ParseRegistryPath(keyText, path)) return Fail("a key begins with HKCU, HKLM or HKCR: " + keyText);
     const std::string rootName = keyText.substr(0, keyText.find('\\'));
-    FILE* out = file == "-" ? stdout : fopen(file.c_str(), "w");
+    FILE* out = file == "-" ? stdout : OpenStreamByName(file, "wb");
     if (!out) return Fail("could not write " + file);
     fprintf(out, "%s\n", kHeader);
     bool ok = ExportKey(path.root, rootName, path.path, out);

@@ -45,7 +45,7 @@ std::string DirectoryOf(const std::string& path) {
 
 // Flushes the file or directory at path.
 bool Flush(const std::string& path, int flags, std::string& problem) {
-    const int fd = open(path.c_str(), flags | kOpenPlain);
+    const int fd = OpenByName(path, flags | kOpenPlain);
     if (fd < 0) return problem = Reason("cannot open " + path), false;
     const bool flushed = FlushDescriptor(fd);
     if (!flushed) problem = Reason("cannot flush " + path);
@@ -73,7 +73,7 @@ CopyBeside::~CopyBeside() {
 }
 
 bool WriteBytes(const std::string& path, const std::string& bytes, std::string& problem) {
-    const int fd = open(path.c_str(), O_WRONLY | O_TRUNC | kOpenPlain);
+    const int fd = OpenByName(path, O_WRONLY | O_TRUNC | kOpenPlain);
     if (fd < 0) return problem = Reason("cannot open " + path), false;
     for (size_t done = 0; done < bytes.size();) {
         const ssize_t wrote = write(fd, bytes.data() + done, bytes.size() - done);

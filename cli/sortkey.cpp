@@ -13,6 +13,7 @@
 #include "input.h"
 #include "report.h"
 #include "text.h"
+#include "system.h"
 
 const char kSortKeyUsage[] =
     "Usage: zel sortkey [TEXT | -]\n"
@@ -199,7 +200,7 @@ int RunSortKey(const Args& args) {
         if (!TablesReady()) return 1;
         if (file == "-") return SortLines(stdin);
         if (!NotADirectory(file)) return 1;
-        FILE* input = fopen(file.c_str(), "rb");
+        FILE* input = OpenStreamByName(file, "rb");
         if (!input) return Fail("cannot read " + file + ": " + strerror(errno));
         const int status = SortLines(input);
         fclose(input);

@@ -3,10 +3,19 @@
 #ifndef ZEL_CLI_SYSTEM_H
 #define ZEL_CLI_SYSTEM_H
 
+#include <cstdio>
 #include <string>
+#include <vector>
 
 // The flags of every file that zel opens: its bytes as they are, kept from the programs zel starts.
 extern const int kOpenPlain;
+
+// zel's arguments in UTF-8 as every system gets them, with the standard streams set to pass bytes
+// as they are: a call at the start of main.
+std::vector<std::string> StartCommand(int argc, char** argv);
+// Files by their UTF-8 names.
+int OpenByName(const std::string& path, int flags, int mode = 0);
+FILE* OpenStreamByName(const std::string& path, const char* mode);
 
 // The file of the library that holds address, with links resolved; empty when unknown.
 std::string LibraryFileOf(const void* address);

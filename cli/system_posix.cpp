@@ -44,3 +44,9 @@ const int* EndingSignals(int& count) {
 }
 
 void KeepRunningOverFileSizeLimit() { signal(SIGXFSZ, SIG_IGN); }
+
+std::vector<std::string> StartCommand(int argc, char** argv) { return std::vector<std::string>(argv, argv + argc); }
+
+int OpenByName(const std::string& path, int flags, int mode) { return open(path.c_str(), flags, mode); }
+
+FILE* OpenStreamByName(const std::string& path, const char* mode) { return fopen(path.c_str(), mode); }

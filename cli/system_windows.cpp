@@ -63,3 +63,22 @@ const int* EndingSignals(int& count) {
 
 // Windows has no file size limit signal.
 void KeepRunningOverFileSizeLimit() {}
+
+// The run-time's narrow arguments are in the ANSI code page: the wide ones hold every name.
+std::vector<std::string> StartCommand(int argc, char** argv) {
+    for (FILE* stream : {stdin, stdout, stderr}) _setmode(_fileno(stream), _O_BINARY);
+    std::vector<std::string> args;
+    int count = 0;
+    if (wchar_t** wide = CommandLineToArgvW(GetCommandLineW(), &count)) {
+        for (int i = 0; i < count; ++i) args.push_back(Utf8(wide[i]));
+        LocalFree(wide);
+    }
+    if (args.size() != size_t(argc)) args.assign(argv, argv + argc);
+    return args;
+}
+
+int OpenByName(const std::string& path, int flags, int mode) { return _wopen(Wide(path).c_str(), flags, mode); }
+
+FILE* OpenStreamByName(const std::string& path, const char* mode) {
+    return _wfopen(Wide(path).c_str(), Wide(mode).c_str());
+}

@@ -32,7 +32,7 @@ std::string LibraryVersion() {
 
 // The "Unicode version : " line of a code table file's text header.
 std::string TableUnicodeVersion(const std::string& path) {
-    FILE* file = fopen(path.c_str(), "rb");
+    FILE* file = OpenStreamByName(path, "rb");
     if (!file) return "?";
     char head[512] = {};
     const size_t got = fread(head, 1, sizeof head - 1, file);

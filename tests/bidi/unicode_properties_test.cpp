@@ -182,6 +182,9 @@ TEST(UnicodeProperties, DecompositionRecordsNameTheirCharacter) {
 
 // The committed tables are what the generator makes of the character database.
 TEST(UnicodeProperties, GeneratedSourceMatchesGenerator) {
+#ifdef _WIN32
+    GTEST_SKIP() << "a check of the source tree against its generator, made where the generators run";
+#endif
     const std::string source = ZEL_SOURCE_DIR;
     zeltest::TempDir out;
     const auto run = zeltest::RunProgram(

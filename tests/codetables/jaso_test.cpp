@@ -57,6 +57,9 @@ TEST(HangulKs, TableHoldsTheKsSyllablesInOrder) {
 
 // The committed list is what the generator makes of the system's iconv.
 TEST(HangulKs, GeneratedSourceMatchesGenerator) {
+#ifdef _WIN32
+    GTEST_SKIP() << "a check of the source tree against its generator, made where the generators run";
+#endif
     const std::string source = ZEL_SOURCE_DIR;
     zeltest::TempDir out;
     const auto run = zeltest::RunProgram(

@@ -41,7 +41,7 @@ std::u16string Found(const WCHAR* name) { return name; }
 
 TEST(UserLocale, ApplicationKeyThenCommonKeyThenSystem) {
     InChild([] {
-        zeltest::UseSystemLanguage("0x409");
+        if (!zeltest::UseSystemLanguage("0x409")) return;
         zeltest::SetRegistryDword(HKEY_CURRENT_USER, kCommonKey, "LCID", 0x411);
         EXPECT_EQ(ZelGetUserLCID(), 0x411u);
 
@@ -91,12 +91,14 @@ TEST(ResourceExt, TheLibrarysLanguageIsTheFirstOneWithAFile) {
     // The program's own files here: KOR, ENU and JPN.
     InChild([] {
         WCHAR extension[MAX_PATH] = {};
-        zeltest::UseSystemLanguage("0x412");
-        ZelGetResourceExt(0xFFFF, extension);
-        EXPECT_EQ(Found(extension), u"KOR");
-        zeltest::UseSystemLanguage("0x40C");  // no French file: English is next
-        ZelGetResourceExt(0xFFFF, extension);
-        EXPECT_EQ(Found(extension), u"ENU");
+        if (zeltest::UseSystemLanguage("0x412")) {
+            ZelGetResourceExt(0xFFFF, extension);
+            EXPECT_EQ(Found(extension), u"KOR");
+        }
+        if (zeltest::UseSystemLanguage("0x40C")) {  // no French file: English is next
+            ZelGetResourceExt(0xFFFF, extension);
+            EXPECT_EQ(Found(extension), u"ENU");
+        }
     });
 }
 
@@ -104,7 +106,7 @@ TEST(ResourcePath, LanguageFallbacksAndTheSublanguage) {
     ModuleInDir dir;
     dir.WriteResources("m.ENU", {{1, u"english"}});
     InChild([&] {
-        zeltest::UseSystemLanguage("0x809");
+        if (!zeltest::UseSystemLanguage("0x809")) return;
         WCHAR base[MAX_PATH];
         ASSERT_TRUE(ZelResourceBaseName(dir.handle(), u"", base));
         EXPECT_EQ(Found(base), dir.LibraryPath("m"));
@@ -124,7 +126,7 @@ TEST(ResourcePath, ResDllExtWinsOnlyWhenItsFileExists) {
     ModuleInDir dir;
     dir.WriteResources("m.ENU", {{1, u"english"}});
     InChild([&] {
-        zeltest::UseSystemLanguage("0x409");
+        if (!zeltest::UseSystemLanguage("0x409")) return;
         zeltest::SetRegistryText(HKEY_LOCAL_MACHINE, kResDllExt, "1033", "USA");
         WCHAR name[MAX_PATH] = {};
         ASSERT_TRUE(ZelGetResourcePath(dir.handle(), name));
@@ -146,7 +148,7 @@ TEST(ResourcePath, BaseNameLooksBesideTheModuleUnderThatName) {
     dir.WriteResources("m.KOR", {{1, u"own"}});
     dir.WriteResources("shared.KOR", {{1, u"shared"}});
     InChild([&] {
-        zeltest::UseSystemLanguage("0x40C");  // no French files: the fallbacks end at Korean
+        if (!zeltest::UseSystemLanguage("0x40C")) return;  // no French files: the fallbacks end at Korean
         WCHAR name[MAX_PATH] = u"shared";
         ASSERT_TRUE(ZelGetResourcePath(dir.handle(), name));
         EXPECT_EQ(Found(name), dir.LibraryPath("shared.KOR"));
@@ -180,7 +182,7 @@ TEST(LibraryMessages, EveryCodeIsDescribedInKoreanEnglishAndJapanese) {
     };
     for (const Language& language : languages) {
         InChild([&] {
-            zeltest::UseSystemLanguage(language.lcid);
+            if (!zeltest::UseSystemLanguage(language.lcid)) return;
             ZelExitModule(&g_zelOwnModule);
             ASSERT_TRUE(ZelInitModule(&g_zelOwnModule));
             auto describe = [&](DWORD code, const std::u16string& name = {}, DWORD fileError = 0) {
@@ -221,6 +223,7 @@ TEST(ResourceAnsi, TheSameFilesAsInWideMode) {
         for (const char* codePage : {"1252", "949"}) {
             const auto child =
                 zeltest::RunTestsInNewProcess(cases, {{"ZEL_OS_VERSION", "1.4.0"}, {"ZEL_ACP", codePage}});
+            if (child.skipped) continue;  // the run in that code page checks it
             EXPECT_EQ(0, child.status) << codePage << "\n" << child.out << child.err;
             EXPECT_EQ(child.err.find("Initialization Error"), std::string::npos) << codePage << "\n" << child.err;
         }

@@ -93,10 +93,11 @@ void DeleteRegistryValue(HKEY root, const std::string& key, const std::string& n
     RegCloseKey(handle);
 }
 
-void UseSystemLanguage(const char* lcid) {
+bool UseSystemLanguage(const char* lcid) {
     DeleteRegistryValue(HKEY_CURRENT_USER, "Software\\Morvalis\\Global Settings\\User Locales", "LCID");
     zeltest::SetEnvironment("ZEL_LCID", lcid);
     ZelForgetLocaleCaches();
+    return !LocaleFixedPerProcess() || CurrentLocaleSetting("ZEL_LCID") == std::stoul(lcid, nullptr, 0);
 }
 
 }  // namespace zeltest

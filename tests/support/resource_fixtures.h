@@ -58,8 +58,9 @@ void SetRegistryText(HKEY root, const std::string& key, const std::string& name,
 void DeleteRegistryValue(HKEY root, const std::string& key, const std::string& name);
 
 // Makes the process start over with the language: the caches are dropped, the suite's own setting
-// for all applications is removed, and ZEL_LCID decides.
-void UseSystemLanguage(const char* lcid);
+// for all applications is removed, and ZEL_LCID decides. False where the system fixes the language
+// per process (Windows) and this one runs in another: the run in that language checks the case.
+bool UseSystemLanguage(const char* lcid);
 
 }  // namespace zeltest
 

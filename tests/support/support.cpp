@@ -7,7 +7,6 @@
 #include <sstream>
 #include <stdexcept>
 
-#include "platform/win32.h"
 #include "support/system.h"
 
 namespace zeltest {
@@ -34,21 +33,6 @@ ScopedEnv::ScopedEnv(const std::string& name, const std::optional<std::string>& 
 
 ScopedEnv::~ScopedEnv() { SetEnvironment(name_, old_); }
 
-SystemLocale::SystemLocale(const Settings& settings) {
-#ifdef _WIN32
-    auto matches = [](const std::optional<std::string>& wanted, unsigned long actual) {
-        return !wanted || std::stoul(*wanted, nullptr, 0) == actual;
-    };
-    active_ = matches(settings.acp, GetACP()) && matches(settings.oemcp, GetOEMCP()) &&
-              matches(settings.lcid, GetUserDefaultLCID()) && matches(settings.systemLcid, GetSystemDefaultLCID());
-#else
-    if (settings.acp) acp_.emplace("ZEL_ACP", settings.acp);
-    if (settings.oemcp) oemcp_.emplace("ZEL_OEMCP", settings.oemcp);
-    if (settings.lcid) lcid_.emplace("ZEL_LCID", settings.lcid);
-    if (settings.systemLcid) systemLcid_.emplace("ZEL_SYSTEM_LCID", settings.systemLcid);
-#endif
-}
-
 std::string ReadFile(const std::string& path) {
     std::ifstream in(path, std::ios::binary);
     std::ostringstream s;
@@ -69,7 +53,23 @@ ProgramResult RunTestsInNewProcess(const std::string& filter,
     if (getenv(kRerun)) return {-1, {}, "a test run again in a new process asked for another one"};
     std::map<std::string, std::optional<std::string>> rerun = env;
     rerun[kRerun] = "1";
-    return RunProgram(OwnProgramPath(), {"--gtest_filter=" + filter}, rerun);
+    std::string whyNot;
+    const std::string program = ProgramForRerun(env, &whyNot);
+    if (program.empty()) return {0, {}, whyNot, true};
+    return RunProgram(program, {"--gtest_filter=" + filter}, rerun);
+}
+
+SystemLocale::SystemLocale(const LocaleSettings& wanted) {
+    const std::pair<const char*, const std::optional<std::string>*> knobs[] = {
+        {"ZEL_ACP", &wanted.acp}, {"ZEL_OEMCP", &wanted.oemcp}, {"ZEL_LCID", &wanted.lcid},
+        {"ZEL_SYSTEM_LCID", &wanted.systemLcid}};
+    for (const auto& [knob, value] : knobs) {
+        if (!*value) continue;
+        if (LocaleFixedPerProcess())
+            active_ = active_ && CurrentLocaleSetting(knob) == std::stoul(**value, nullptr, 0);
+        else
+            knobs_.push_back(std::make_unique<ScopedEnv>(knob, *value));
+    }
 }
 
 }  // namespace zeltest

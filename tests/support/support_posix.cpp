@@ -23,7 +23,16 @@ void SetEnvironment(const std::string& name, const std::optional<std::string>& v
 
 std::string OwnProgramPath() { return "/proc/self/exe"; }
 
+std::string ProgramForRerun(const std::map<std::string, std::optional<std::string>>&, std::string*) {
+    return OwnProgramPath();
+}
+
+// The layer reads its knobs at every call.
+bool LocaleFixedPerProcess() { return false; }
+unsigned long CurrentLocaleSetting(const std::string&) { return 0; }
 bool RunningUnderWine() { return false; }
+void UsePrivateRegistry() {}
+void RemovePrivateRegistry() {}
 
 int RunInChild(const std::function<int()>& body) {
     fflush(nullptr);

@@ -2,7 +2,12 @@
 // would clash with the library's.
 #include <windows.h>
 
+#include <gtest/gtest.h>
+
+#include <cstdio>
 #include <cstdlib>
+#include <filesystem>
+#include <sstream>
 #include <thread>
 
 #include "support/support.h"
@@ -75,11 +80,6 @@ void ReadAll(HANDLE pipe, std::string* into) {
 
 }  // namespace
 
-bool RunningUnderWine() {
-    HMODULE ntdll = GetModuleHandleW(L"ntdll.dll");
-    return ntdll && GetProcAddress(ntdll, "wine_get_version");
-}
-
 void SetEnvironment(const std::string& name, const std::optional<std::string>& value) {
     // An empty value removes the variable from the run-time's copy, as a missing one.
     _putenv_s(name.c_str(), value ? value->c_str() : "");
@@ -92,8 +92,126 @@ std::string OwnProgramPath() {
     return Utf8(std::wstring(path, length));
 }
 
-// Windows has no fork: a test that needs a copy of its own process runs on POSIX only.
-int RunInChild(const std::function<int()>&) { return -1; }
+// Windows has no fork: the test program runs the current test again in a new process, and there
+// the n-th call runs its body and ends the process with the body's result. The calls before it
+// answer what they answered here, so the test takes the same road up to that call.
+// ZEL_TEST_CHILD is "n:result,result,...".
+int RunInChild(const std::function<int()>& body) {
+    static constexpr char kChild[] = "ZEL_TEST_CHILD";
+    static std::string test;
+    static std::vector<int> results;
+    const ::testing::TestInfo* info = ::testing::UnitTest::GetInstance()->current_test_info();
+    const std::string name = info ? std::string(info->test_suite_name()) + "." + info->name() : std::string();
+    if (name != test) {
+        test = name;
+        results.clear();
+    }
+    if (const char* child = getenv(kChild)) {
+        std::istringstream spec(child);
+        size_t wanted = 0;
+        char separator = 0;
+        spec >> wanted >> separator;
+        std::vector<int> earlier;
+        for (int result; spec >> result; spec >> separator) earlier.push_back(result);
+        const size_t call = results.size() + 1;
+        if (call == wanted) {
+            const int code = body();
+            fflush(nullptr);
+            _exit(code);
+        }
+        const int answer = call <= earlier.size() ? earlier[call - 1] : -1;
+        results.push_back(answer);
+        return answer;
+    }
+    std::string spec = std::to_string(results.size() + 1) + ":";
+    for (int result : results) spec += std::to_string(result) + ",";
+    const ProgramResult run = RunProgram(OwnProgramPath(), {"--gtest_filter=" + name}, {{kChild, spec}});
+    fputs(run.out.c_str(), stdout);
+    fputs(run.err.c_str(), stderr);
+    // A process ended by an exception has the exception's code, which reads as negative.
+    const int status = run.status < 0 ? -1 : run.status;
+    results.push_back(status);
+    return status;
+}
+
+// A 95-family system is a copy of the program that Wine reports as one (the build makes the copy,
+// the emulator's prefix names it): Windows itself never reports that family.
+std::string ProgramForRerun(const std::map<std::string, std::optional<std::string>>& env, std::string* whyNot) {
+    std::string program = OwnProgramPath();
+    const auto version = env.find("ZEL_OS_VERSION");
+    if (version != env.end() && version->second && version->second->rfind("1.", 0) == 0) {
+        if (!RunningUnderWine()) {
+            *whyNot = "only Wine can report a 95-family system";
+            return {};
+        }
+        program.insert(program.size() - 4, "_95");  // before ".exe"
+        if (!std::filesystem::exists(std::filesystem::u8path(program))) {
+            *whyNot = "no 95-family copy " + program;
+            return {};
+        }
+    }
+    for (const char* knob : {"ZEL_ACP", "ZEL_OEMCP", "ZEL_LCID", "ZEL_SYSTEM_LCID"}) {
+        const auto wanted = env.find(knob);
+        if (wanted != env.end() && wanted->second &&
+            std::stoul(*wanted->second, nullptr, 0) != CurrentLocaleSetting(knob)) {
+            *whyNot = std::string(knob) + " " + *wanted->second + " is the locale of another run";
+            return {};
+        }
+    }
+    return program;
+}
+
+bool LocaleFixedPerProcess() { return true; }
+
+unsigned long CurrentLocaleSetting(const std::string& knob) {
+    if (knob == "ZEL_ACP") return GetACP();
+    if (knob == "ZEL_OEMCP") return GetOEMCP();
+    if (knob == "ZEL_LCID") return GetUserDefaultLCID();
+    if (knob == "ZEL_SYSTEM_LCID") return GetSystemDefaultLCID();
+    return 0;
+}
+
+namespace {
+constexpr char kPrivateRegistry[] = "ZEL_TEST_REGISTRY";
+bool ownsPrivateRegistry = false;
+}  // namespace
+
+void UsePrivateRegistry() {
+    std::string name;
+    if (const char* shared = getenv(kPrivateRegistry)) {
+        name = shared;
+    } else {
+        name = "Software\\ZelTestRuns\\" + std::to_string(GetCurrentProcessId()) + "-" + std::to_string(GetTickCount64());
+        SetEnvironment(kPrivateRegistry, name);
+        ownsPrivateRegistry = true;
+    }
+    // Both keys are made before either root is redirected, each with a lasting Software key as
+    // every system has: a volatile key made first would otherwise make it volatile too.
+    HKEY keys[2] = {};
+    const wchar_t* parts[2] = {L"\\user", L"\\machine"};
+    for (int i = 0; i < 2; ++i) {
+        const std::wstring root = Wide(name) + parts[i];
+        HKEY software = nullptr;
+        if (RegCreateKeyExW(HKEY_CURRENT_USER, (root + L"\\Software").c_str(), 0, nullptr, 0, KEY_ALL_ACCESS,
+                            nullptr, &software, nullptr) == ERROR_SUCCESS)
+            RegCloseKey(software);
+        RegCreateKeyExW(HKEY_CURRENT_USER, root.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &keys[i], nullptr);
+    }
+    // The keys stay open for the process's life: Wine keeps the handle itself rather than a copy.
+    const HKEY roots[2] = {HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE};
+    for (int i = 0; i < 2; ++i)
+        if (keys[i]) RegOverridePredefKey(roots[i], keys[i]);
+}
+
+void RemovePrivateRegistry() {
+    for (HKEY root : {HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE}) RegOverridePredefKey(root, nullptr);
+    if (ownsPrivateRegistry) RegDeleteTreeW(HKEY_CURRENT_USER, Wide(getenv(kPrivateRegistry)).c_str());
+}
+
+bool RunningUnderWine() {
+    const HMODULE ntdll = GetModuleHandleW(L"ntdll.dll");
+    return ntdll && GetProcAddress(ntdll, "wine_get_version");
+}
 
 ProgramResult RunProgram(const std::string& path, const std::vector<std::string>& args,
                          const std::map<std::string, std::optional<std::string>>& env,
