@@ -105,14 +105,17 @@ TEST(LocaleInfo, CountingInBothForms) {
     EXPECT_EQ(GetLocaleInfoA(0x812, LOCALE_SABBREVLANGNAME, narrow, 4), 0);
     EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_PARAMETER));
 
-    // The ANSI form goes through the ANSI code page and counts its bytes.
+    // The ANSI form goes through the locale's own code page, or the system's when asked, and counts
+    // its bytes.
     WCHAR english[32];
     ASSERT_GT(GetLocaleInfoW(0x414, LOCALE_SENGLANGUAGE, english, 32), 0);
     EXPECT_NE(std::u16string(english).find(u'\xE5'), std::u16string::npos);  // Bokmål
-    char expected[32], name[32];
-    const int bytes = WideCharToMultiByte(CP_ACP, 0, english, -1, expected, sizeof expected, nullptr, nullptr);
-    EXPECT_EQ(GetLocaleInfoA(0x414, LOCALE_SENGLANGUAGE, name, sizeof name), bytes);
-    EXPECT_STREQ(name, expected);
+    for (const auto& [codePage, flag] : {std::pair{1252u, 0u}, std::pair{UINT{CP_ACP}, LOCALE_USE_CP_ACP}}) {
+        char expected[32], name[32];
+        const int bytes = WideCharToMultiByte(codePage, 0, english, -1, expected, sizeof expected, nullptr, nullptr);
+        EXPECT_EQ(GetLocaleInfoA(0x414, LOCALE_SENGLANGUAGE | flag, name, sizeof name), bytes) << codePage;
+        EXPECT_STREQ(name, expected) << codePage;
+    }
 }
 
 TEST(VersionInfo, FilesCarryNoVersionBlock) {

@@ -11,8 +11,8 @@
 
 namespace {
 
-// Flags that may ride on the type and change nothing here: the table has no user overrides, and
-// the A form always converts through the ANSI code page.
+// Flags that may ride on the type and change nothing of the text: the table has no user
+// overrides, and the code page only matters to the A form.
 constexpr LCTYPE kIgnoredTypeFlags = LOCALE_NOUSEROVERRIDE | LOCALE_USE_CP_ACP;
 
 
@@ -71,6 +71,11 @@ bool LocaleText(LCID locale, LCTYPE type, std::u16string& out) {
 
 }  // namespace
 
+UINT ZelPlatformLocaleCodePage(LCID locale, DWORD flags) {
+    const ZelLocaleFacts* facts = (flags & LOCALE_USE_CP_ACP) ? nullptr : FactsOf(locale);
+    return facts && facts->ansiCodePage ? facts->ansiCodePage : UINT{CP_ACP};
+}
+
 int GetLocaleInfoW(LCID locale, LCTYPE type, LPWSTR buffer, int size) {
     std::u16string text;
     if (!ZelValidOutputSize(buffer, size) || !LocaleText(locale, type, text)) return 0;
@@ -83,5 +88,5 @@ int GetLocaleInfoA(LCID locale, LCTYPE type, LPSTR buffer, int size) {
     if (units <= 0) return 0;
     std::u16string wide(static_cast<size_t>(units), u'\0');
     GetLocaleInfoW(locale, type, wide.data(), units);
-    return ZelDeliverText(ZelPlatformWideToAnsi(wide.c_str()), buffer, size);
+    return ZelDeliverText(ZelPlatformWideToAnsi(wide.c_str(), ZelPlatformLocaleCodePage(locale, type)), buffer, size);
 }
