@@ -17,8 +17,10 @@ constexpr long kLastCodePoint = 0x10FFFF;
 // The run walks below, once for every place and every code point, give two direct tables: the
 // code point of each place of the basic plane, and the four bytes of each code point (in the
 // order they are written, 0 for none: no four-byte code has a zero byte). Filled on first use.
+// The units of places keep one unit more, never read as a place: the block kernel reads a place
+// as 32 bits, the unit behind it with it.
 const WCHAR* Zel936UnitsOfPlaces() {
-    static WCHAR units[kZelFourByteBasicPlaneCodes];
+    static WCHAR units[kZelFourByteBasicPlaneCodes + 1];
     static const bool filled = [] {
         for (DWORD place = 0; place < kZelFourByteBasicPlaneCodes; ++place) {
             BYTE bytes[4];

@@ -12,8 +12,11 @@
 // above, so the starts agree again behind it. Its opener is a code before a digit that is not
 // the second half of another such sequence: in a chain of those codes every second one opens,
 // the same runs problem once more over every other bit. The kernel leaves the second code out of
-// the starts, gives a pair a second slot, checks that the table opens exactly those codes, and
-// writes the sequences' units one by one before the block's store, which goes around them.
+// the starts, gives a pair a second slot and checks that the table opens exactly those codes.
+// The sequences' units come all at once too: their bytes compressed to one 32-bit lane each, V
+// from two multiply-adds, a place of the basic plane gathered, a pair computed. The first unit
+// takes the opener's entry, the second the slot of the byte behind the opener, so that one store
+// writes the block.
 #include "codetables/codepage_block_kernels.h"
 
 #include <cstdint>
@@ -75,35 +78,55 @@ ZEL_AVX512 inline __m512i LanesFrom(__m512i v, unsigned from) {
 }
 
 // Writes the units of the slots side by side, the lead units that entries holds in order at the
-// slots of leads and the single units at the others, bar the slots that skip marks; gives how
-// many slots there were.
-ZEL_AVX512 inline unsigned Store(WCHAR* out, __m512i singles, __m512i entries, uint32_t slots, uint32_t leads,
-                                 uint32_t skip) {
+// slots of leads and the single units at the others; gives how many slots there were.
+ZEL_AVX512 inline unsigned Store(WCHAR* out, __m512i singles, __m512i entries, uint32_t slots, uint32_t leads) {
     const unsigned count = unsigned(__builtin_popcount(slots));
-    const uint32_t writes = uint32_t((uint64_t(1) << count) - 1) & ~_pext_u32(skip, slots);
     const __m512i units =
         _mm512_mask_expand_epi16(_mm512_maskz_compress_epi16(slots, singles), _pext_u32(leads, slots), entries);
-    _mm512_mask_storeu_epi16(out, __mmask32(writes), units);
+    _mm512_mask_storeu_epi16(out, __mmask32(uint32_t((uint64_t(1) << count) - 1)), units);
     return count;
 }
 
-// The units of the four-byte sequence at q, of the shape the kernel takes (an opener below 0xE3,
-// a third byte below 0xFF), into out[0] and, for a pair, out[1]: a place of the basic plane from
-// the direct table, a code point beyond it computed, with no branch on which of the two; anything
-// else through the one-at-a-time reading. out[1] may be written when the sequence gives one unit.
-inline void FourBytesAt(const BYTE* q, const WCHAR* unitsOfPlaces, WCHAR* out) {
-    const long value = ((long{q[0]} * 10 + q[1]) * 126 + q[2]) * 10 + q[3];
-    const long place = value - kZel936FirstFourByteValue;
-    const bool basic = place >= 0 && place < long(kZelFourByteBasicPlaneCodes);
-    const bool pair = q[0] >= 0x90;
-    if (!basic && !pair) {
-        Zel936FourBytesToUnicode(q[0], q[1], q[2], q[3], out);
-        return;
-    }
-    const long beyond = value - kZel936SupplementaryBase - 0x10000;
-    const WCHAR unit = unitsOfPlaces[basic ? place : 0];
-    out[0] = pair ? WCHAR(0xD800 + (beyond >> 10)) : unit;
-    out[1] = WCHAR(0xDC00 + (beyond & 0x3FF));
+// The units of the four-byte sequences that start at the bits of `at` (of the shape the kernel
+// takes, none reaching beyond the block), in their order: the first unit of each, the second of
+// those that give a pair, and the sequences with neither a place of the basic plane nor a pair.
+struct Sequences {
+    __m512i units;  // the first units in lanes 0 to 15, the second units in lanes 16 to 31
+    uint32_t odd;
+};
+
+ZEL_AVX512 inline Sequences SequencesAt(__m512i bytes, uint64_t at, const WCHAR* unitsOfPlaces) {
+    // The four bytes of each sequence side by side, one 32-bit lane a sequence, the first lowest;
+    // V = (b1 x 10 + b2) x 1260 + b3 x 10 + b4.
+    const __m512i four = _mm512_maskz_compress_epi8(at | at << 1 | at << 2 | at << 3, bytes);
+    const __m512i tens = _mm512_maddubs_epi16(four, _mm512_set1_epi16(0x010A));
+    const __m512i value = _mm512_madd_epi16(tens, _mm512_set1_epi32(1 << 16 | 1260));
+    const unsigned count = unsigned(__builtin_popcountll(at));
+    const __mmask16 lanes = __mmask16((1u << count) - 1);
+    const __m512i place = _mm512_sub_epi32(value, _mm512_set1_epi32(kZel936FirstFourByteValue));
+    const __mmask16 basic =
+        _mm512_mask_cmplt_epu32_mask(lanes, place, _mm512_set1_epi32(int(kZelFourByteBasicPlaneCodes)));
+    // Openers up to 0xE2 only: from 0x90 on every sequence is a code point beyond the basic plane.
+    const __mmask16 pair = _mm512_mask_cmpge_epu32_mask(
+        lanes, _mm512_and_si512(four, _mm512_set1_epi32(0xFF)), _mm512_set1_epi32(0x90));
+    const __m512i beyond = _mm512_sub_epi32(value, _mm512_set1_epi32(kZel936SupplementaryBase + 0x10000));
+    __m512i firsts = _mm512_add_epi32(_mm512_maskz_srli_epi32(kAll16, beyond, 10), _mm512_set1_epi32(0xD800));
+    // A place is read as 32 bits, with the unit behind it; the table keeps one unit beyond the
+    // last place. A gather costs by its width, not by the lanes it reads, and a block rarely
+    // holds more than four sequences: the first four take a narrow one, with no branch.
+    const __m128i reads = _mm512_maskz_extracti32x4_epi32(0xF, _mm512_maskz_set1_epi32(basic, -1), 0);
+    const __m128i units = _mm_mask_i32gather_epi32(_mm512_maskz_extracti32x4_epi32(0xF, firsts, 0),
+                                                   reinterpret_cast<const int*>(unitsOfPlaces),
+                                                   _mm512_maskz_extracti32x4_epi32(0xF, place, 0), reads, 2);
+    firsts = _mm512_inserti32x4(firsts, units, 0);
+    if (count > 4) firsts = _mm512_mask_i32gather_epi32(firsts, __mmask16(basic & ~0xF), place, unitsOfPlaces, 2);
+    const __m512i seconds =
+        _mm512_add_epi32(_mm512_and_si512(beyond, _mm512_set1_epi32(0x3FF)), _mm512_set1_epi32(0xDC00));
+    alignas(64) static constexpr short kLowHalves[32] = {0,  2,  4,  6,  8,  10, 12, 14, 16, 18, 20,
+                                                         22, 24, 26, 28, 30, 32, 34, 36, 38, 40, 42,
+                                                         44, 46, 48, 50, 52, 54, 56, 58, 60, 62};
+    return {_mm512_permutex2var_epi16(firsts, _mm512_load_si512(kLowHalves), seconds),
+            uint32_t(lanes & ~basic & ~pair)};
 }
 
 template <ZelTablePage kPage>
@@ -134,6 +157,7 @@ ZEL_AVX512 void DecodeBlocks(const WORD* table, unsigned first, const WCHAR* uni
         uint64_t refused = 0;
         uint64_t cut = 0;
         uint64_t openers = 0;
+        uint64_t sequences = 0;
         uint64_t slots = starts;
         if constexpr (kPage == ZelTablePage::Gb936) {
             const uint64_t digits = BytesIn(bytes, '0', '9');
@@ -149,6 +173,7 @@ ZEL_AVX512 void DecodeBlocks(const WORD* table, unsigned first, const WCHAR* uni
             const uint64_t third = BytesIn(bytes, 0x81, 0xFE);
             const uint64_t shaped = (third >> 2) & (digits >> 3) & BytesIn(bytes, 0x81, 0xE2);
             refused = openers & ~shaped & kWhole;
+            sequences = openers & shaped & kWhole;
             starts &= ~(openers << 2) & ~(openers << 3);
             leads &= starts;
             slots = starts | (openers & BytesIn(bytes, 0x90, 0xFF)) << 1;
@@ -172,31 +197,33 @@ ZEL_AVX512 void DecodeBlocks(const WORD* table, unsigned first, const WCHAR* uni
         const __m512i all = _mm512_mask_expand_epi16(indexes[0], __mmask32(~((uint64_t(1) << firstLeads) - 1)),
                                                      indexes[1]);
         const uint32_t read = uint32_t((uint64_t(1) << allLeads) - 1);
-        const __m512i entries = Entries(table, all, read & ~last);
+        __m512i entries = Entries(table, all, read & ~last);
+        __m512i singles[2] = {SingleUnits<kPage>(halves[0].bytes), SingleUnits<kPage>(halves[1].bytes)};
         if constexpr (kPage == ZelTablePage::Gb936) {
             const uint32_t opened =
                 _mm512_cmpeq_epi16_mask(entries, _mm512_set1_epi16(short(kZel936OpenerMarker))) & read;
             refused |= (_pdep_u64(opened, leads) ^ openers) & leads;
+            // A sequence's first unit takes the place of its opener's entry; the second unit of a
+            // pair, the slot of the byte behind the opener. Units of sequences at or beyond the
+            // stop below land in lanes that no slot takes.
+            if (sequences) {
+                const Sequences units = SequencesAt(bytes, sequences, unitsOfPlaces);
+                refused |= _pdep_u64(units.odd, sequences);
+                entries = _mm512_mask_expand_epi16(entries, __mmask32(_pext_u64(sequences, leads)), units.units);
+                const uint64_t seconds = sequences << 1;
+                const unsigned secondsBefore = 16 + unsigned(__builtin_popcount(uint32_t(seconds)));
+                singles[0] = _mm512_mask_expand_epi16(singles[0], __mmask32(seconds), LanesFrom(units.units, 16));
+                singles[1] = _mm512_mask_expand_epi16(singles[1], __mmask32(seconds >> 32),
+                                                      LanesFrom(units.units, secondsBefore));
+            }
         }
         // Up to the first character left to the walk one at a time, or to the cut.
         const unsigned cutAt = cut ? unsigned(__builtin_ctzll(cut)) : 64;
         const unsigned refusedAt = refused ? unsigned(__builtin_ctzll(refused)) : 64;
         const unsigned stop = refusedAt < cutAt ? refusedAt : cutAt;
         slots = Below(slots, stop);
-        // The sequences' units first, then the rest around them: a unit that a sequence writes
-        // one slot too far belongs to the next slot, which its own store or the next step writes.
-        uint64_t skip = 0;
-        if constexpr (kPage == ZelTablePage::Gb936) {
-            skip = Below(openers, stop);
-            skip |= slots & ~starts;
-            for (uint64_t left = Below(openers, stop); left; left &= left - 1) {
-                const unsigned at = unsigned(__builtin_ctzll(left));
-                FourBytesAt(p + at, unitsOfPlaces, o + __builtin_popcountll(Below(slots, at)));
-            }
-        }
-        o += Store(o, SingleUnits<kPage>(halves[0].bytes), entries, uint32_t(slots), leadsOf[0], uint32_t(skip));
-        o += Store(o, SingleUnits<kPage>(halves[1].bytes), LanesFrom(entries, firstLeads), uint32_t(slots >> 32),
-                   leadsOf[1], uint32_t(skip >> 32));
+        o += Store(o, singles[0], entries, uint32_t(slots), leadsOf[0]);
+        o += Store(o, singles[1], LanesFrom(entries, firstLeads), uint32_t(slots >> 32), leadsOf[1]);
         // The next block's start depends on the bytes alone, not on this block's gathers.
         if (refusedAt < cutAt) {
             p += refusedAt;

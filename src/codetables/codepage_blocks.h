@@ -25,9 +25,8 @@ bool ZelCodePageBlocks();
 // starts the next one), and returns early at a character it leaves to the walk one at a time (the
 // pair 0xFF 0xFF; for 936 a four-byte sequence of an odd shape, or a code that the table opens
 // where the kernel reads two bytes, or the reverse). It reads text[0] to text[64] of each block,
-// consumes at most 65 bytes a block and never writes more units than it consumes bytes. For 936
-// it may leave a unit at out itself, which the caller's next step or terminator overwrites;
-// beyond that it writes nothing behind out.
+// consumes at most 65 bytes a block, never writes more units than it consumes bytes and writes
+// nothing behind out.
 void ZelDecodeBlocks(ZelTablePage page, const WORD* mb2Uni, unsigned first, const WCHAR* unitsOfPlaces,
                      const BYTE*& text, const BYTE* end, WCHAR*& out);
 

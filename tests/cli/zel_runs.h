@@ -15,6 +15,8 @@ namespace zelcli {
 // signal, the status is not 0, 1 or 2.
 zeltest::ProgramResult Zel(const std::vector<std::string>& args, const std::string& input = {}, int seconds = 30);
 
+// The runs below need POSIX (zel_runs_posix.cpp).
+
 // The same through the shell: shellPrefix goes in front of zel ("exec", "ulimit -f 8; exec"),
 // shellSuffix behind its arguments (a redirection).
 zeltest::ProgramResult ZelInShell(const std::string& shellPrefix, const std::vector<std::string>& args,

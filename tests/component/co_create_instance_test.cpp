@@ -3,12 +3,12 @@
 #include <zel/component.h>
 #include <zel/paths.h>
 
-#include <dlfcn.h>
 #include <gtest/gtest.h>
 
 #include <string>
 
 #include "component/library_cache.h"
+#include "platform/win32.h"
 #include "libraries/test_component.h"
 
 namespace {
@@ -25,20 +25,14 @@ std::u16string WindowsPath(const std::string& path) {
     return result;
 }
 
-bool IsLoaded(const std::string& path) {
-    void* handle = dlopen(path.c_str(), RTLD_NOW | RTLD_NOLOAD);
-    if (handle) dlclose(handle);
-    return handle != nullptr;
-}
+bool IsLoaded(const std::string& path) { return GetModuleHandleW(WindowsPath(path).c_str()) != nullptr; }
 
 // A probe of a loaded library; -1 when the library is not loaded.
 int Probe(const std::string& path, const char* name) {
-    void* handle = dlopen(path.c_str(), RTLD_NOW | RTLD_NOLOAD);
-    if (!handle) return -1;
-    auto probe = reinterpret_cast<TestCountProbe>(dlsym(handle, name));
-    int value = probe ? probe() : -1;
-    dlclose(handle);
-    return value;
+    HMODULE module = GetModuleHandleW(WindowsPath(path).c_str());
+    if (!module) return -1;
+    auto probe = reinterpret_cast<TestCountProbe>(reinterpret_cast<void (*)()>(GetProcAddress(module, name)));
+    return probe ? probe() : -1;
 }
 
 HRESULT Create(const std::u16string& path, IZelTestValue** value, REFCLSID rclsid = CLSID_ZelTestValue,

@@ -6,6 +6,7 @@
 
 #include "platform/win32.h"
 #include "support/support.h"
+#include "support/system.h"
 
 namespace {
 
@@ -34,7 +35,8 @@ TEST(CommandLine, SplitsByTheWin32Rules) {
         {u"prog a\\\\\\\"b", {u"prog", u"a\\\"b"}},            // 2n+1 backslashes: a literal quote
         {u"prog a\\\\\\\\\"b c\"", {u"prog", u"a\\\\b c"}},   // 2n backslashes: the quote opens
         {u"prog a\\b\\\\c", {u"prog", u"a\\b\\\\c"}},         // backslashes alone stay
-        {u"prog \"a\"\"b\" \"\"", {u"prog", u"a\"b", u""}},  // "" inside quotes, and an empty one
+        {u"prog \"a\"\"b\" \"\"", {u"prog", u"a\"b \""}},  // "" inside quotes: a quote, and the quotes end
+        {u"prog \"a\"\"\"b c\"", {u"prog", u"a\"b c"}}, {u"prog \"\" x", {u"prog", u"", u"x"}},
         {u"prog   ", {u"prog"}},
         {u" lead", {u"", u"lead"}},
     };
@@ -46,6 +48,9 @@ TEST(CommandLine, AnEmptyLineGivesTheExecutable) {
     const DWORD length = GetModuleFileNameW(nullptr, executable, MAX_PATH);
     ASSERT_GT(length, 0u);
     EXPECT_EQ(Split(u""), Arguments{std::u16string(executable, length)});
+    // Null pointers, which the documentation leaves open: no count refuses, no line is an empty
+    // one. Wine dereferences them (README, "Windows").
+    if (zeltest::RunningUnderWine()) return;
     int count = 0;
     EXPECT_EQ(CommandLineToArgvW(u"x", nullptr), nullptr);
     LPWSTR* none = CommandLineToArgvW(nullptr, &count);

@@ -3,11 +3,10 @@
 #include <gtest/gtest.h>
 #include <zel/streams.h>
 
-#include <fcntl.h>
-
 #include <string>
 
 #include "support/support.h"
+#include "support/system.h"
 
 namespace {
 
@@ -52,11 +51,11 @@ TEST(IOFileDesc, ClosedAndSharedDescriptors) {
     EXPECT_FALSE(io.SeekFromBegin(0));
 
     // Descriptor 0 counts as closed, and Close leaves it alone.
-    bool inputOpen = fcntl(0, F_GETFD) != -1;
+    bool inputOpen = zeltest::DescriptorIsOpen(0);
     io.Attach(0);
     EXPECT_FALSE(io.IsOpened());
     io.Close();
-    EXPECT_EQ(fcntl(0, F_GETFD) != -1, inputOpen);
+    EXPECT_EQ(zeltest::DescriptorIsOpen(0), inputOpen);
 
     // Copies share the descriptor and its position; destruction closes nothing.
     std::string path = dir.file("shared.bin");

@@ -31,8 +31,10 @@ std::string ProgramForRerun(const std::map<std::string, std::optional<std::strin
 bool LocaleFixedPerProcess() { return false; }
 unsigned long CurrentLocaleSetting(const std::string&) { return 0; }
 bool RunningUnderWine() { return false; }
+bool DescriptorIsOpen(int fd) { return fcntl(fd, F_GETFD) != -1; }
 void UsePrivateRegistry() {}
 void RemovePrivateRegistry() {}
+void EndOnCrash() {}  // a signal ends the process with a failing status already
 
 int RunInChild(const std::function<int()>& body) {
     fflush(nullptr);

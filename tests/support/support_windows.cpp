@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <gtest/gtest.h>
+#include <io.h>
 
 #include <cstdio>
 #include <cstdlib>
@@ -207,6 +208,20 @@ void RemovePrivateRegistry() {
     for (HKEY root : {HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE}) RegOverridePredefKey(root, nullptr);
     if (ownsPrivateRegistry) RegDeleteTreeW(HKEY_CURRENT_USER, Wide(getenv(kPrivateRegistry)).c_str());
 }
+
+void EndOnCrash() {
+    SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX);
+    SetUnhandledExceptionFilter([](EXCEPTION_POINTERS* exception) -> LONG {
+        const DWORD code = exception->ExceptionRecord->ExceptionCode;
+        fprintf(stderr, "unhandled exception 0x%08lX at %p\n", static_cast<unsigned long>(code),
+                exception->ExceptionRecord->ExceptionAddress);
+        fflush(stderr);
+        TerminateProcess(GetCurrentProcess(), code);
+        return EXCEPTION_EXECUTE_HANDLER;
+    });
+}
+
+bool DescriptorIsOpen(int fd) { return _get_osfhandle(fd) != -1; }
 
 bool RunningUnderWine() {
     const HMODULE ntdll = GetModuleHandleW(L"ntdll.dll");

@@ -26,6 +26,10 @@ unsigned long CurrentLocaleSetting(const std::string& knob);
 // own directory already.
 void UsePrivateRegistry();
 void RemovePrivateRegistry();
+// A crash ends the program with a failing status at once, with no debugger or dialog to wait for.
+void EndOnCrash();
+// Whether the run-time's descriptor fd is open.
+bool DescriptorIsOpen(int fd);
 // Whether the tests run under Wine, which departs from Windows in a few places (README, "Windows").
 bool RunningUnderWine();
 

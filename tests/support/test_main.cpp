@@ -22,6 +22,7 @@ int main(int argc, char** argv) {
     zeltest::SetEnvironment("ZEL_REGISTRY_DIR", zeltest::root->path() + "/registry");
     zeltest::SetEnvironment("XDG_RUNTIME_DIR", zeltest::root->path() + "/run");
     zeltest::SetEnvironment("XDG_CONFIG_HOME", zeltest::root->path() + "/config");
+    zeltest::EndOnCrash();
     zeltest::UsePrivateRegistry();
     ::testing::InitGoogleTest(&argc, argv);
     ZelPlatformProcessAttach();

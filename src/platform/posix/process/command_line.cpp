@@ -118,9 +118,10 @@ std::vector<std::u16string> SplitCommandLine(const char16_t* p) {
                     argument.append(backslashes, u'\\');
                 }
             } else if (*p == u'"') {
-                // Inside quotes "" stands for one quote and the quotes go on.
+                // Inside quotes "" stands for one quote, and the quotes end there.
                 if (quoted && p[1] == u'"') {
                     argument += u'"';
+                    quoted = false;
                     p += 2;
                 } else {
                     quoted = !quoted;
