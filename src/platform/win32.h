@@ -41,6 +41,9 @@ BOOL TlsSetValue(DWORD index, LPVOID value) ZEL_SYSTEM_CALL(TlsSetValue);
 // Asks the system to back a block of whole 2 MB pages with large pages; only a hint.
 void ZelPlatformPreferLargePages(void* block, size_t bytes);
 
+// The environment as 16-bit text (posix/process/environment.cpp, from the UTF-8 environment).
+DWORD GetEnvironmentVariableW(LPCWSTR name, LPWSTR buffer, DWORD size) ZEL_SYSTEM_CALL(GetEnvironmentVariableW);
+
 LONG InterlockedIncrement(LONG volatile* value);
 LONG InterlockedDecrement(LONG volatile* value);
 
@@ -140,8 +143,9 @@ struct ZelAnsiArg {
     bool null = true;
     LPCWSTR get() const { return null ? nullptr : text.c_str(); }
 };
-ZelAnsiArg ZelPlatformAnsiToWide(LPCSTR text);
-std::string ZelPlatformWideToAnsi(LPCWSTR text);
+// Through the ANSI code page, or another that a call names (a locale's own, for its A forms).
+ZelAnsiArg ZelPlatformAnsiToWide(LPCSTR text, UINT codePage = CP_ACP);
+std::string ZelPlatformWideToAnsi(LPCWSTR text, UINT codePage = CP_ACP);
 // UTF-8 text for the system's side: names on disk, standard error.
 std::string ZelPlatformWideToUtf8(const std::u16string& text);
 std::u16string ZelPlatformUtf8ToWide(const std::string& text);

@@ -193,15 +193,24 @@ struct EnvValues : std::map<std::u16string, std::u16string> {};
 
 WCHAR* _wgetenv(const WCHAR* name) {
     if (!name || !*name) return nullptr;
-    std::string narrow = ZelPlatformWideToUtf8(name);
-    const char* value = std::getenv(narrow.c_str());
     EnvValues& values = ZelThreadObject<EnvValues>();
-    if (!value) {
+    const DWORD lastError = GetLastError();  // a look-up leaves the caller's error as it was
+    std::u16string value(32, u'\0');
+    DWORD length;
+    for (;;) {
+        SetLastError(0);  // an empty value gives 0 too, and sets no error
+        length = GetEnvironmentVariableW(name, value.data(), static_cast<DWORD>(value.size()));
+        if (length < value.size()) break;
+        value.resize(length);  // the size needed; asked again, as another thread may change it
+    }
+    const bool found = length > 0 || GetLastError() != ERROR_ENVVAR_NOT_FOUND;
+    SetLastError(lastError);
+    if (!found) {
         values.erase(name);
         return nullptr;
     }
     std::u16string& slot = values[name];
-    slot = ZelPlatformUtf8ToWide(value);
+    slot.assign(value.data(), length);
     return slot.data();
 }
 

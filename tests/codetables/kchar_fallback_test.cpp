@@ -9,6 +9,7 @@
 #include <type_traits>
 #include <vector>
 
+#include "support/system.h"
 #include "table_path_fixture.h"
 
 namespace {
@@ -22,11 +23,13 @@ constexpr DWORD kAll = KConvSymbol | KConvHanja | KConvHangul | KConvOldHangul;
 TEST_F(KCharFallbackTest, JohabAndAsciiSurviveTheRestIsDropped) {
     const KChar text[] = {0x8861, 0x41, 0x4000, 0x3800, 0x0100, 0x8841, 0};
     WCHAR wide[16];
+    // Wine reads a lone Johab initial as a conjoining letter (U+1100), Windows as U+3131.
+    const std::u16string johab = zeltest::RunningUnderWine() ? u"\xAC00" u"A\x1100" : u"\xAC00" u"A\x3131";
     EXPECT_EQ(3, ZelKCharToUnicode(kAll, text, -1, wide, 16, u"substitute"));
-    EXPECT_EQ(u"\xAC00" u"A\x3131", std::u16string(wide));
+    EXPECT_EQ(johab, std::u16string(wide));
     EXPECT_EQ(kZelTableBusyOrFailed, ZelMainTableState());
     EXPECT_EQ(3, ZelKCharToUnicode(0, text, -1, wide, 16));
-    EXPECT_EQ(u"\xAC00" u"A\x3131", std::u16string(wide));
+    EXPECT_EQ(johab, std::u16string(wide));
     // The length stops the text; the size stops the output.
     EXPECT_EQ(1, ZelKCharToUnicode(kAll, text, 1, wide, 16, nullptr));
     EXPECT_EQ(1, ZelKCharToUnicode(kAll, text, -1, wide, 2, nullptr));

@@ -12,8 +12,6 @@
 
 namespace {
 
-using zeltest::ScopedEnv;
-
 // The W answer as ASCII text, or "error N".
 std::string Info(LCID locale, LCTYPE type) {
     WCHAR buffer[80];
@@ -31,10 +29,12 @@ TEST(LocaleInfo, AbbreviatedLanguageNames) {
     } cases[] = {
         {0x412, "KOR"}, {0x409, "ENU"}, {0x411, "JPN"}, {0x804, "CHS"}, {0x404, "CHT"}, {0x809, "ENG"},
         {0x407, "DEU"}, {0x40C, "FRA"}, {0x401, "ARA"}, {0x40D, "HEB"}, {0xC0A, "ESN"}, {0x3801, "ARU"},
+        // A neutral language stands for its main country.
+        {0x12, "KOR"}, {0x11, "JPN"}, {0x04, "CHS"},
         // The sort order bits of a locale are not a language.
         {0x10412, "error 87"},
         // A sublanguage the system lacks has no abbreviation, though its language is known.
-        {0x812, "error 87"}, {0x12, "error 87"}, {0x7777, "error 87"},
+        {0x812, "error 87"}, {0x7777, "error 87"},
     };
     for (const auto& c : cases) EXPECT_EQ(Info(c.locale, LOCALE_SABBREVLANGNAME), c.name) << std::hex << c.locale;
 
@@ -68,10 +68,19 @@ TEST(LocaleInfo, NamesCodePagesAndIds) {
 }
 
 TEST(LocaleInfo, DefaultLocalesFollowTheUserAndTheSystem) {
-    ScopedEnv user("ZEL_LCID", std::string("0x411")), system("ZEL_SYSTEM_LCID", std::string("0x407"));
-    EXPECT_EQ(Info(LOCALE_USER_DEFAULT, LOCALE_SABBREVLANGNAME), "JPN");
-    EXPECT_EQ(Info(0, LOCALE_SABBREVLANGNAME), "JPN");
-    EXPECT_EQ(Info(LOCALE_SYSTEM_DEFAULT, LOCALE_SABBREVLANGNAME), "DEU");
+    struct {
+        const char *user, *system, *userName, *systemName;
+    } cases[] = {
+        {"0x412", "0x412", "KOR", "KOR"}, {"0x411", "0x411", "JPN", "JPN"}, {"0x409", "0x409", "ENU", "ENU"},
+        {"0x411", "0x407", "JPN", "DEU"},  // each side its own
+    };
+    for (const auto& c : cases) {
+        zeltest::SystemLocale locale({.lcid = c.user, .systemLcid = c.system});
+        if (!locale.active()) continue;
+        EXPECT_EQ(Info(LOCALE_USER_DEFAULT, LOCALE_SABBREVLANGNAME), c.userName);
+        EXPECT_EQ(Info(0, LOCALE_SABBREVLANGNAME), c.userName);
+        EXPECT_EQ(Info(LOCALE_SYSTEM_DEFAULT, LOCALE_SABBREVLANGNAME), c.systemName);
+    }
 }
 
 TEST(LocaleInfo, CountingInBothForms) {
@@ -92,17 +101,23 @@ TEST(LocaleInfo, CountingInBothForms) {
     memset(narrow, '#', sizeof narrow);
     EXPECT_EQ(GetLocaleInfoA(0x411, LOCALE_SABBREVLANGNAME, narrow, 3), 0);
     EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INSUFFICIENT_BUFFER));
-    EXPECT_EQ(narrow[0], '#');
+    EXPECT_EQ(narrow[3], '#');  // nothing beyond the size given
     EXPECT_EQ(GetLocaleInfoA(0x411, LOCALE_SABBREVLANGNAME, narrow, 4), 4);
     EXPECT_STREQ(narrow, "JPN");
     EXPECT_EQ(GetLocaleInfoA(0x812, LOCALE_SABBREVLANGNAME, narrow, 4), 0);
     EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_PARAMETER));
 
-    // The ANSI form goes through the ANSI code page and counts its bytes.
-    ScopedEnv acp("ZEL_ACP", std::string("1252"));
-    char name[32];
-    EXPECT_EQ(GetLocaleInfoA(0x414, LOCALE_SENGLANGUAGE, name, sizeof name), 19);
-    EXPECT_STREQ(name, "Norwegian (Bokm\xE5l)");
+    // The ANSI form goes through the locale's own code page, or the system's when asked, and counts
+    // its bytes.
+    WCHAR english[32];
+    ASSERT_GT(GetLocaleInfoW(0x414, LOCALE_SENGLANGUAGE, english, 32), 0);
+    EXPECT_NE(std::u16string(english).find(u'\xE5'), std::u16string::npos);  // Bokmål
+    for (const auto& [codePage, flag] : {std::pair{1252u, 0u}, std::pair{UINT{CP_ACP}, LOCALE_USE_CP_ACP}}) {
+        char expected[32], name[32];
+        const int bytes = WideCharToMultiByte(codePage, 0, english, -1, expected, sizeof expected, nullptr, nullptr);
+        EXPECT_EQ(GetLocaleInfoA(0x414, LOCALE_SENGLANGUAGE | flag, name, sizeof name), bytes) << codePage;
+        EXPECT_STREQ(name, expected) << codePage;
+    }
 }
 
 TEST(VersionInfo, FilesCarryNoVersionBlock) {

@@ -4,6 +4,7 @@
 
 #include "platform/win32.h"
 #include "support/support.h"
+#include "support/system.h"
 
 using zeltest::ScopedEnv;
 
@@ -64,6 +65,8 @@ TEST(Time, FieldsOutOfRangeAreRefused) {
                               Date(2024, 1, 0),  Date(1600, 12, 31), Date(2024, 1, 1, 24), Date(2024, 1, 1, 0, 60),
                               Date(2024, 1, 1, 0, 0, 0, 1000)};
     for (const SYSTEMTIME& date : bad) {
+        // Wine takes 29 February in any year.
+        if (date.wMonth == 2 && date.wDay == 29 && zeltest::RunningUnderWine()) continue;
         FILETIME file{};
         SetLastError(0);
         EXPECT_FALSE(SystemTimeToFileTime(&date, &file)) << date.wYear << "-" << date.wMonth << "-" << date.wDay;
@@ -92,6 +95,7 @@ TEST(Time, DosDateAndTimePackTheFieldsWithinTheirYears) {
         FILETIME file{};
         ASSERT_TRUE(SystemTimeToFileTime(&c.time, &file));
         WORD date = 0, clock = 0;
+        if (c.time.wYear > 2107 && zeltest::RunningUnderWine()) continue;  // Wine wraps the year round
         EXPECT_EQ(FileTimeToDosDateTime(&file, &date, &clock), c.ok) << c.time.wYear;
         if (c.ok) {
             EXPECT_EQ(date, c.date);
@@ -100,6 +104,7 @@ TEST(Time, DosDateAndTimePackTheFieldsWithinTheirYears) {
     }
 }
 
+#ifndef _WIN32  // Windows takes the zone from its settings, not from TZ
 TEST(Time, LocalFileTimeFollowsTheZoneOfTheProcess) {
     const SYSTEMTIME noon = Date(2024, 1, 15, 12);
     FILETIME utc{}, local{};
@@ -116,5 +121,6 @@ TEST(Time, LocalFileTimeFollowsTheZoneOfTheProcess) {
     }
     tzset();
 }
+#endif
 
 }  // namespace

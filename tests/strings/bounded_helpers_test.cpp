@@ -18,7 +18,7 @@
 namespace {
 
 using namespace std::string_literals;
-using zeltest::ScopedEnv;
+using zeltest::SystemLocale;
 
 template <typename T>
 std::unique_ptr<T[]> Exact(const std::basic_string<T>& text) {
@@ -70,20 +70,21 @@ TEST(BoundedHelpers, CopyAndAppendTellWhetherTheTerminatorFitted) {
                          {u"abcde", u"", 6, 0, u"abcde\0"s}, {u"ab", u"cd", 6, 1, u"abcd\0#"s},
                          {u"abcd", u"xyz", 6, 0, u"abcdx\0"s}},
                         ustrlcpy, ustrlcat);
-    ScopedEnv acp("ZEL_ACP", "949");
     const std::string korean = "a\xC7\xD1\xB1\xDB";
     ExpectCopies<char>({{"", korean, 3, 0, "a\xC7\0"s}}, sstrlcpy, sstrlcat);  // splits it
-    // A character that does not fit leaves the rest of the buffer as it was.
-    ExpectCopies<char>({{"", korean, 4, 0, "a\xC7\xD1\0"s}, {"", korean, 3, 0, "a\0#"s},
-                        {"", korean, 6, 0, korean + '\0'}, {"", korean, 7, 1, korean + "\0#"s},
-                        {"", "ab", 0, 0, "##"}, {"a", korean.substr(1), 5, 0, "a\xC7\xD1\0#"s},
-                        {"a\xC7\xD1", "b", 5, 0, "a\xC7\xD1" "b\0"s}, {"", "ab\xB0", 4, 0, "ab\xB0\0"s},
-                        {"x", "ab\xB0", 6, 1, "xab\xB0\0#"s}},
-                       mstrlcpy, mstrlcat);
-    ScopedEnv japanese("ZEL_ACP", "932");  // 0x5C is a trail byte, not a character of its own
-    ExpectCopies<char>({{"", "x\x83\x5C", 3, 0, "x\0#"s}}, mstrlcpy, mstrlcat);
-    ScopedEnv latin("ZEL_ACP", "1252");
-    ExpectCopies<char>({{"", korean, 3, 0, "a\xC7\0"s}}, mstrlcpy, mstrlcat);
+    if (SystemLocale locale({.acp = "949"}); locale.active()) {
+        // A character that does not fit leaves the rest of the buffer as it was.
+        ExpectCopies<char>({{"", korean, 4, 0, "a\xC7\xD1\0"s}, {"", korean, 3, 0, "a\0#"s},
+                            {"", korean, 6, 0, korean + '\0'}, {"", korean, 7, 1, korean + "\0#"s},
+                            {"", "ab", 0, 0, "##"}, {"a", korean.substr(1), 5, 0, "a\xC7\xD1\0#"s},
+                            {"a\xC7\xD1", "b", 5, 0, "a\xC7\xD1" "b\0"s}, {"", "ab\xB0", 4, 0, "ab\xB0\0"s},
+                            {"x", "ab\xB0", 6, 1, "xab\xB0\0#"s}},
+                           mstrlcpy, mstrlcat);
+    }
+    if (SystemLocale locale({.acp = "932"}); locale.active())  // 0x5C is a trail byte, not a character of its own
+        ExpectCopies<char>({{"", "x\x83\x5C", 3, 0, "x\0#"s}}, mstrlcpy, mstrlcat);
+    if (SystemLocale locale({.acp = "1252"}); locale.active())
+        ExpectCopies<char>({{"", korean, 3, 0, "a\xC7\0"s}}, mstrlcpy, mstrlcat);
 }
 
 TEST(BoundedHelpers, DestinationsWithoutTerminatorAreReadNoFurtherThanSize) {
@@ -102,24 +103,27 @@ TEST(BoundedHelpers, CutAndTrimInPlace) {
                           {u"\xFEFFx\x200B\x2028\x205F ", utr, 0, 1, u"\xFEFFx\x200B"},
                           {u"\xFEFFx\x200B", utl, 0, 0, u"\xFEFFx\x200B"},
                           {u" \n", utr, 0, 1, u""}, {u"", utr, 0, 0, u""}});
-    ScopedEnv acp("ZEL_ACP", "949");
     constexpr auto stl = Whole<char, sstrtriml>, str = Whole<char, sstrtrimr>;
     constexpr auto mtl = Whole<char, mstrtriml>, mtr = Whole<char, mstrtrimr>;
     ExpectInPlace<char>({{"a\xB0\xA1", sstrcut, 4, 1, "a\xB0\xA1"}, {"a\xB0\xA1", sstrcut, 3, 0, "a\xB0"},
                          {" \xA0 x", stl, 0, 1, "\xA0 x"},  // a high byte ends the trim
                          {"x \xA0\v\r ", str, 0, 1, "x \xA0"},
                          {"abc", mstrcut, 4, 0, "abc"},  // exactly size - 1 bytes
-                         {"abc", mstrcut, 5, 1, "abc"}, {"a\xC7\xD1\xB1\xDB", mstrcut, 5, 0, "a\xC7\xD1"},
-                         {"a\xC7\xD1", mstrcut, 3, 0, "a"}, {"ab\xB0", mstrcut, 3, 0, "ab"},
-                         {"ab", mstrcut, 0, 0, "ab"}, {"ab", mstrcut, -3, 0, ""},
-                         {"\xA1\xA1 \xC7\xD1 a", mtl, 0, 1, "\xC7\xD1 a"}, {" \xA1\xA1 ", mtr, 0, 1, ""},
-                         {"a\xC7\xD1 \xA1\xA1\t", mtr, 0, 1, "a\xC7\xD1"}, {"", mtl, 0, 0, ""},
-                         {" \xA1\xA1\xB0", mtr, 0, 0, " \xA1\xA1\xB0"}, {" \xA1\xA1\xB0", mtl, 0, 1, "\xB0"}});
-    ScopedEnv japanese("ZEL_ACP", "932");
-    ExpectInPlace<char>(
-        {{"a\x83\x5C\x81\x40", mtr, 0, 1, "a\x83\x5C"}, {"\xA1\xA1" "a", mtl, 0, 0, "\xA1\xA1" "a"}});
-    ScopedEnv latin("ZEL_ACP", "1252");
-    ExpectInPlace<char>({{"a\xC7\xD1", mstrcut, 3, 0, "a\xC7"}, {"x \xA1\xA1", mtr, 0, 0, "x \xA1\xA1"}});
+                         {"abc", mstrcut, 5, 1, "abc"}, {"ab", mstrcut, 0, 0, "ab"}, {"ab", mstrcut, -3, 0, ""},
+                         {"", mtl, 0, 0, ""}});
+    if (SystemLocale locale({.acp = "949"}); locale.active()) {
+        ExpectInPlace<char>({{"a\xC7\xD1\xB1\xDB", mstrcut, 5, 0, "a\xC7\xD1"},
+                             {"a\xC7\xD1", mstrcut, 3, 0, "a"}, {"ab\xB0", mstrcut, 3, 0, "ab"},
+                             {"\xA1\xA1 \xC7\xD1 a", mtl, 0, 1, "\xC7\xD1 a"}, {" \xA1\xA1 ", mtr, 0, 1, ""},
+                             {"a\xC7\xD1 \xA1\xA1\t", mtr, 0, 1, "a\xC7\xD1"},
+                             {" \xA1\xA1\xB0", mtr, 0, 0, " \xA1\xA1\xB0"}, {" \xA1\xA1\xB0", mtl, 0, 1, "\xB0"}});
+    }
+    if (SystemLocale locale({.acp = "932"}); locale.active()) {
+        ExpectInPlace<char>(
+            {{"a\x83\x5C\x81\x40", mtr, 0, 1, "a\x83\x5C"}, {"\xA1\xA1" "a", mtl, 0, 0, "\xA1\xA1" "a"}});
+    }
+    if (SystemLocale locale({.acp = "1252"}); locale.active())
+        ExpectInPlace<char>({{"a\xC7\xD1", mstrcut, 3, 0, "a\xC7"}, {"x \xA1\xA1", mtr, 0, 0, "x \xA1\xA1"}});
 }
 
 TEST(BoundedHelpers, NullStringsGiveZeroAndWriteNothing) {
@@ -158,14 +162,16 @@ TEST(BoundedHelpers, LeadBytesAndSpacesFollowTheAnsiCodePage) {
                              Page{"932", {0x81, 0x9F, 0xE0, 0xFC}, {0x80, 0xA0, 0xDF, 0xFD}, 0x8140},
                              Page{"1361", {0x84, 0xD3, 0xD8, 0xDE, 0xE0, 0xF9}, {0x83, 0xD4, 0xDF, 0xFA}, 0xD931},
                              Page{"1252", {}, {0x81, 0xA1, 0xFE}, 0}}) {
-        ScopedEnv acp("ZEL_ACP", page.codePage);
+        SystemLocale locale({.acp = page.codePage});
+        if (!locale.active()) continue;
         for (unsigned b : page.leads) EXPECT_TRUE(_ismbblead(b)) << page.codePage << " " << b;
         for (unsigned b : page.others) EXPECT_FALSE(_ismbblead(b)) << page.codePage << " " << b;
         EXPECT_EQ(_ismbcspace(page.space), page.space != 0) << page.codePage;
         EXPECT_FALSE(_ismbcspace(page.space == 0xA1A1 ? 0x8140 : 0xA1A1)) << page.codePage;
         EXPECT_TRUE(_ismbcspace('\t') && !_ismbcspace(0xA0) && !_ismbblead(0x181)) << page.codePage;
     }
-    ScopedEnv acp("ZEL_ACP", "949");
+    SystemLocale korean({.acp = "949"});
+    if (!korean.active()) return;
     auto text = Exact("\xC7\xD1\xB0"s);
     auto* p = reinterpret_cast<const unsigned char*>(text.get());
     EXPECT_EQ(_mbclen(p), 2u);

@@ -5,26 +5,26 @@
 #include "platform/win32.h"
 #include "strings/wstr.h"
 
-ZelAnsiArg ZelPlatformAnsiToWide(LPCSTR text) {
+ZelAnsiArg ZelPlatformAnsiToWide(LPCSTR text, UINT codePage) {
     ZelAnsiArg result;
     if (!text) return result;
     result.null = false;
     // No byte of any code page gives more than one 16-bit unit.
     size_t length = std::strlen(text);
     result.text.resize(length + 1);
-    int n = MultiByteToWideChar(CP_ACP, 0, text, static_cast<int>(length + 1), result.text.data(),
+    int n = MultiByteToWideChar(codePage, 0, text, static_cast<int>(length + 1), result.text.data(),
                                 static_cast<int>(length + 1));
     result.text.resize(n > 0 ? static_cast<size_t>(n) - 1 : 0);
     return result;
 }
 
-std::string ZelPlatformWideToAnsi(LPCWSTR text) {
+std::string ZelPlatformWideToAnsi(LPCWSTR text, UINT codePage) {
     if (!text) return {};
     int length = static_cast<int>(wcslen(text)) + 1;
-    int size = WideCharToMultiByte(CP_ACP, 0, text, length, nullptr, 0, nullptr, nullptr);
+    int size = WideCharToMultiByte(codePage, 0, text, length, nullptr, 0, nullptr, nullptr);
     if (size <= 0) return {};
     std::string result(static_cast<size_t>(size), '\0');
-    WideCharToMultiByte(CP_ACP, 0, text, length, result.data(), size, nullptr, nullptr);
+    WideCharToMultiByte(codePage, 0, text, length, result.data(), size, nullptr, nullptr);
     result.resize(static_cast<size_t>(size) - 1);
     return result;
 }

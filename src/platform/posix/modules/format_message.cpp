@@ -3,7 +3,8 @@
 //
 // A message definition is copied with its insert sequences (%1 to %99, each with an optional
 // printf form between exclamation marks, %s by default) and escapes (%0 ends the message without a
-// line break, %n is a hard line break, %r, %t, and %x for any other x gives x). The low byte of the
+// line break, %n is a hard line break, %r, %t, and %x for any other x gives x). Ignoring inserts
+// keeps every sequence as it stands but %n, which still breaks the line. The low byte of the
 // flags decides the line breaks: 0 keeps the definition's own, FORMAT_MESSAGE_MAX_WIDTH_MASK turns
 // each into a blank, and a width of 1 to 254 also turns each into a blank and breaks lines at blanks
 // so that no line is wider than that, where a word allows it.
@@ -155,7 +156,7 @@ std::string FormatDefinition(const char* definition, DWORD flags, va_list* argum
             out += *p++;
             continue;
         }
-        if (ignoreInserts) {  // sequences stay as they are, for a later formatting
+        if (ignoreInserts && p[1] != 'n') {  // sequences stay for a later formatting; %n still breaks
             out += *p++;
             out += *p++;
             continue;
@@ -223,8 +224,8 @@ DWORD FormatMessageA(DWORD flags, LPCVOID source, DWORD messageId, DWORD languag
                      va_list* arguments) {
     const bool allocate = flags & FORMAT_MESSAGE_ALLOCATE_BUFFER;
     if (allocate && buffer) *reinterpret_cast<LPSTR*>(buffer) = nullptr;
-    if (!buffer) {
-        SetLastError(ERROR_INVALID_PARAMETER);
+    if (!buffer && allocate) {  // nowhere to leave the block
+        SetLastError(ERROR_NOT_ENOUGH_MEMORY);
         return 0;
     }
     std::string text;
@@ -244,8 +245,9 @@ DWORD FormatMessageA(DWORD flags, LPCVOID source, DWORD messageId, DWORD languag
         target = static_cast<char*>(LocalAlloc(LMEM_FIXED, needed > size ? needed : size));
         if (!target) return 0;
         *reinterpret_cast<LPSTR*>(buffer) = target;
-    } else if (size < needed) {
-        SetLastError(ERROR_INSUFFICIENT_BUFFER);
+    } else if (size < needed || !buffer) {
+        // Only the size is weighed against the text: a missing buffer that claims room is refused.
+        SetLastError(size < needed ? ERROR_INSUFFICIENT_BUFFER : ERROR_INVALID_PARAMETER);
         return 0;
     }
     std::memcpy(target, text.c_str(), needed);

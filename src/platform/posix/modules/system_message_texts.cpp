@@ -54,6 +54,7 @@ constexpr SystemMessage kMessages[] = {
     {ERROR_BUSY, "The requested resource is in use.\r\n"},
     {ERROR_ALREADY_EXISTS, "Cannot create a file when that file already exists.\r\n"},
     {ERROR_BAD_EXE_FORMAT, "%1 is not a valid Win32 application.\r\n"},
+    {ERROR_ENVVAR_NOT_FOUND, "The system could not find the environment option that was entered.\r\n"},
     {ERROR_FILENAME_EXCED_RANGE, "The filename or extension is too long.\r\n"},
     {ERROR_MORE_DATA, "More data is available.\r\n"},
     {ERROR_NO_MORE_ITEMS, "No more data is available.\r\n"},

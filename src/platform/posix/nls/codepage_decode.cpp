@@ -49,11 +49,14 @@ struct WideStage {
     }
 };
 
-// The length of a well-formed UTF-8 sequence at s, or 0.
-size_t Utf8Sequence(const unsigned char* s, size_t n, uint32_t& codePoint) {
+// The length of a well-formed UTF-8 sequence at s, or 0 with taken set to the length of the
+// longest start of one there (at least 1): that start is one malformed piece, as the Unicode
+// standard recommends, so a sequence cut off by the end of the text gives one replacement.
+size_t Utf8Sequence(const unsigned char* s, size_t n, uint32_t& codePoint, size_t& taken) {
     unsigned char b = s[0];
     size_t length;
     unsigned char low = 0x80, high = 0xBF;
+    taken = 1;
     if (b >= 0xC2 && b <= 0xDF) {
         length = 2;
         codePoint = b & 0x1F;
@@ -70,10 +73,11 @@ size_t Utf8Sequence(const unsigned char* s, size_t n, uint32_t& codePoint) {
     } else {
         return 0;
     }
-    if (length > n || s[1] < low || s[1] > high) return 0;
+    if (n < 2 || s[1] < low || s[1] > high) return 0;
     for (size_t i = 1; i < length; ++i) {
-        if ((s[i] & 0xC0) != 0x80) return 0;
+        if (i >= n || (s[i] & 0xC0) != 0x80) return 0;
         codePoint = (codePoint << 6) | (s[i] & 0x3F);
+        taken = i + 1;
     }
     return length;
 }
@@ -89,63 +93,15 @@ DWORD DecodeUtf8(const unsigned char* s, size_t n, bool strict, WideSink& sink) 
             continue;
         }
         uint32_t codePoint;
-        size_t length = Utf8Sequence(s + i, n - i, codePoint);
+        size_t taken;
+        size_t length = Utf8Sequence(s + i, n - i, codePoint, taken);
         if (!length) {
             if (strict) return ERROR_NO_UNICODE_TRANSLATION;
             codePoint = kReplacement;
-            length = 1;
+            length = taken;
         }
         if (!stage.Put(codePoint)) return ERROR_INSUFFICIENT_BUFFER;
         i += length;
-    }
-    return stage.Flush() ? 0 : ERROR_INSUFFICIENT_BUFFER;
-}
-
-uint32_t ReadUnit(const unsigned char* s, size_t size, bool bigEndian) {
-    uint32_t value = 0;
-    for (size_t i = 0; i < size; ++i) {
-        size_t at = bigEndian ? i : size - 1 - i;
-        value = (value << 8) | s[at];
-    }
-    return value;
-}
-
-DWORD DecodeUtf16(const unsigned char* s, size_t n, bool bigEndian, bool strict, WideSink& sink) {
-    WideStage stage{sink};
-    size_t i = 0;
-    for (; i + 2 <= n; i += 2) {
-        uint32_t u = ReadUnit(s + i, 2, bigEndian);
-        if (IsHighSurrogate(u) && i + 4 <= n && IsLowSurrogate(ReadUnit(s + i + 2, 2, bigEndian))) {
-            uint32_t low = ReadUnit(s + i + 2, 2, bigEndian);
-            u = 0x10000 + ((u - 0xD800) << 10) + (low - 0xDC00);
-            i += 2;
-        } else if (IsHighSurrogate(u) || IsLowSurrogate(u)) {
-            if (strict) return ERROR_NO_UNICODE_TRANSLATION;
-            u = kReplacement;
-        }
-        if (!stage.Put(u)) return ERROR_INSUFFICIENT_BUFFER;
-    }
-    if (i < n) {  // half a unit at the end
-        if (strict) return ERROR_NO_UNICODE_TRANSLATION;
-        if (!stage.Put(kReplacement)) return ERROR_INSUFFICIENT_BUFFER;
-    }
-    return stage.Flush() ? 0 : ERROR_INSUFFICIENT_BUFFER;
-}
-
-DWORD DecodeUtf32(const unsigned char* s, size_t n, bool bigEndian, bool strict, WideSink& sink) {
-    WideStage stage{sink};
-    size_t i = 0;
-    for (; i + 4 <= n; i += 4) {
-        uint32_t u = ReadUnit(s + i, 4, bigEndian);
-        if (u > 0x10FFFF || IsHighSurrogate(u) || IsLowSurrogate(u)) {
-            if (strict) return ERROR_NO_UNICODE_TRANSLATION;
-            u = kReplacement;
-        }
-        if (!stage.Put(u)) return ERROR_INSUFFICIENT_BUFFER;
-    }
-    for (; i < n; ++i) {  // a partial unit at the end: one replacement per byte
-        if (strict) return ERROR_NO_UNICODE_TRANSLATION;
-        if (!stage.Put(kReplacement)) return ERROR_INSUFFICIENT_BUFFER;
     }
     return stage.Flush() ? 0 : ERROR_INSUFFICIENT_BUFFER;
 }
@@ -196,12 +152,6 @@ DWORD Decode(const ZelCodePage& page, const char* s, size_t n, bool strict, Wide
     switch (page.kind) {
     case ZelCodePageKind::Utf8:
         return DecodeUtf8(bytes, n, strict, sink);
-    case ZelCodePageKind::Utf16LE:
-    case ZelCodePageKind::Utf16BE:
-        return DecodeUtf16(bytes, n, page.kind == ZelCodePageKind::Utf16BE, strict, sink);
-    case ZelCodePageKind::Utf32LE:
-    case ZelCodePageKind::Utf32BE:
-        return DecodeUtf32(bytes, n, page.kind == ZelCodePageKind::Utf32BE, strict, sink);
     case ZelCodePageKind::Utf7:
         // iconv takes a zero byte for no UTF-7 at all; here it is the zero character, as a
         // terminator must be, and each stretch between zeros is a text of its own.

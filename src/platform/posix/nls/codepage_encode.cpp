@@ -51,62 +51,34 @@ struct ByteStage {
     }
 };
 
-size_t EncodeUnicode(ZelCodePageKind kind, uint32_t c, char* out) {
-    switch (kind) {
-    case ZelCodePageKind::Utf8:
-        if (c < 0x80) {
-            out[0] = static_cast<char>(c);
-            return 1;
-        }
-        if (c < 0x800) {
-            out[0] = static_cast<char>(0xC0 | (c >> 6));
-            out[1] = static_cast<char>(0x80 | (c & 0x3F));
-            return 2;
-        }
-        if (c < 0x10000) {
-            out[0] = static_cast<char>(0xE0 | (c >> 12));
-            out[1] = static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-            out[2] = static_cast<char>(0x80 | (c & 0x3F));
-            return 3;
-        }
-        out[0] = static_cast<char>(0xF0 | (c >> 18));
-        out[1] = static_cast<char>(0x80 | ((c >> 12) & 0x3F));
-        out[2] = static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-        out[3] = static_cast<char>(0x80 | (c & 0x3F));
-        return 4;
-    case ZelCodePageKind::Utf16LE:
-    case ZelCodePageKind::Utf16BE: {
-        uint32_t units[2];
-        size_t count = 1;
-        units[0] = c;
-        if (c >= 0x10000) {
-            units[0] = 0xD800 + ((c - 0x10000) >> 10);
-            units[1] = 0xDC00 + ((c - 0x10000) & 0x3FF);
-            count = 2;
-        }
-        bool big = kind == ZelCodePageKind::Utf16BE;
-        for (size_t i = 0; i < count; ++i) {
-            out[2 * i + (big ? 0 : 1)] = static_cast<char>(units[i] >> 8);
-            out[2 * i + (big ? 1 : 0)] = static_cast<char>(units[i] & 0xFF);
-        }
-        return 2 * count;
+size_t EncodeUtf8(uint32_t c, char* out) {
+    if (c < 0x80) {
+        out[0] = static_cast<char>(c);
+        return 1;
     }
-    case ZelCodePageKind::Utf32LE:
-    case ZelCodePageKind::Utf32BE: {
-        bool big = kind == ZelCodePageKind::Utf32BE;
-        for (size_t i = 0; i < 4; ++i) out[big ? 3 - i : i] = static_cast<char>((c >> (8 * i)) & 0xFF);
-        return 4;
+    if (c < 0x800) {
+        out[0] = static_cast<char>(0xC0 | (c >> 6));
+        out[1] = static_cast<char>(0x80 | (c & 0x3F));
+        return 2;
     }
-    default:
-        return 0;
+    if (c < 0x10000) {
+        out[0] = static_cast<char>(0xE0 | (c >> 12));
+        out[1] = static_cast<char>(0x80 | ((c >> 6) & 0x3F));
+        out[2] = static_cast<char>(0x80 | (c & 0x3F));
+        return 3;
     }
+    out[0] = static_cast<char>(0xF0 | (c >> 18));
+    out[1] = static_cast<char>(0x80 | ((c >> 12) & 0x3F));
+    out[2] = static_cast<char>(0x80 | ((c >> 6) & 0x3F));
+    out[3] = static_cast<char>(0x80 | (c & 0x3F));
+    return 4;
 }
 
-DWORD EncodeUnicode(ZelCodePageKind kind, const WCHAR* s, size_t n, bool strict, ByteSink& sink) {
+DWORD EncodeUtf8(const WCHAR* s, size_t n, bool strict, ByteSink& sink) {
     ByteStage stage{sink};
     size_t i = 0;
     while (i < n) {
-        if (kind == ZelCodePageKind::Utf8 && s[i] < 0x80) {
+        if (s[i] < 0x80) {
             size_t run = AsciiPrefix(s + i, n - i);
             if (!stage.Flush() || !sink.PutAscii(s + i, run)) return ERROR_INSUFFICIENT_BUFFER;
             i += run;
@@ -120,7 +92,7 @@ DWORD EncodeUnicode(ZelCodePageKind kind, const WCHAR* s, size_t n, bool strict,
             c = kReplacement;
         }
         char bytes[8];
-        size_t k = EncodeUnicode(kind, c, bytes);
+        size_t k = EncodeUtf8(c, bytes);
         if (!stage.Put(bytes, k)) return ERROR_INSUFFICIENT_BUFFER;
         i += units;
     }
@@ -152,7 +124,8 @@ DWORD EncodeIconv(const ZelCodePage& page, const WCHAR* s, size_t n, bool strict
         if (result != static_cast<size_t>(-1) || error == E2BIG) continue;
         if (flushed) break;
         // A character the code page lacks, or a lone surrogate: the default character stands
-        // for it. iconv stops on character boundaries, so the position is a whole unit.
+        // for each of its units, as the tables of Windows go unit by unit. iconv stops on
+        // character boundaries, so the position is a whole unit.
         size_t at = static_cast<size_t>(in - reinterpret_cast<char*>(const_cast<WCHAR*>(s))) / sizeof(WCHAR);
         size_t units;
         bool lone;
@@ -162,7 +135,8 @@ DWORD EncodeIconv(const ZelCodePage& page, const WCHAR* s, size_t n, bool strict
             // iconv's table of this page has no backslash: byte 0x5C is one here, as on the way in.
             if (!sink.Put("\\", 1)) return ERROR_INSUFFICIENT_BUFFER;
         } else if (fallback) {
-            if (!sink.Put(fallback->bytes, fallback->length)) return ERROR_INSUFFICIENT_BUFFER;
+            for (size_t k = 0; k < units; ++k)
+                if (!sink.Put(fallback->bytes, fallback->length)) return ERROR_INSUFFICIENT_BUFFER;
             fallback->used = true;
         }
         in += units * sizeof(WCHAR);
@@ -206,9 +180,10 @@ DWORD Encode(const ZelCodePage& page, const WCHAR* s, size_t n, bool strict, Def
         }
         return 0;
     }
-    default:
-        return EncodeUnicode(page.kind, s, n, strict, sink);
+    case ZelCodePageKind::Utf8:
+        return EncodeUtf8(s, n, strict, sink);
     }
+    return ERROR_INVALID_PARAMETER;
 }
 
 }  // namespace zelcp

@@ -7,11 +7,7 @@
 enum class ZelCodePageKind : BYTE {
     Iconv,    // through iconv, bytes below 0x80 are ASCII
     Utf7,     // through iconv, stateful: no byte is taken as ASCII on its own
-    Utf8,     // the Unicode forms are converted here, not by iconv
-    Utf16LE,
-    Utf16BE,
-    Utf32LE,
-    Utf32BE,
+    Utf8,     // converted here, not by iconv
 };
 
 struct ZelCodePage {

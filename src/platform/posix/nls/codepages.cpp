@@ -101,7 +101,7 @@ UINT GetOEMCP() {
 
 int MultiByteToWideChar(UINT codePage, DWORD flags, LPCSTR multiByte, int multiByteCount, LPWSTR wide,
                         int wideCount) {
-    if (!multiByte || multiByteCount == 0 || multiByteCount < -1 || wideCount < 0 || (wideCount > 0 && !wide))
+    if (!multiByte || multiByteCount == 0 || wideCount < 0 || (wideCount > 0 && !wide))
         return Fail(ERROR_INVALID_PARAMETER);
     const ZelCodePage* page = Resolve(codePage);
     if (!page) return Fail(ERROR_INVALID_PARAMETER);
@@ -115,23 +115,8 @@ int MultiByteToWideChar(UINT codePage, DWORD flags, LPCSTR multiByte, int multiB
     if ((flags & ~allowed) || ((flags & MB_PRECOMPOSED) && (flags & MB_COMPOSITE)))
         return Fail(ERROR_INVALID_FLAGS);
 
-    size_t length;
-    if (multiByteCount >= 0) {
-        length = static_cast<size_t>(multiByteCount);
-    } else if (page->kind == ZelCodePageKind::Utf16LE || page->kind == ZelCodePageKind::Utf16BE ||
-               page->kind == ZelCodePageKind::Utf32LE || page->kind == ZelCodePageKind::Utf32BE) {
-        // Terminated by a zero unit of the code page's own size.
-        size_t unit = (page->kind == ZelCodePageKind::Utf16LE || page->kind == ZelCodePageKind::Utf16BE) ? 2 : 4;
-        length = 0;
-        for (;; length += unit) {
-            size_t k = 0;
-            while (k < unit && multiByte[length + k] == 0) ++k;
-            if (k == unit) break;
-        }
-        length += unit;
-    } else {
-        length = std::strlen(multiByte) + 1;
-    }
+    // Any negative length, not only -1, stands for a terminated text, as on Windows.
+    size_t length = multiByteCount >= 0 ? static_cast<size_t>(multiByteCount) : std::strlen(multiByte) + 1;
     if (length > static_cast<size_t>(INT_MAX)) return Fail(ERROR_INVALID_PARAMETER);
     if (wideCount > 0 && Overlaps(multiByte, length, wide, static_cast<size_t>(wideCount) * sizeof(WCHAR)))
         return Fail(ERROR_INVALID_PARAMETER);
@@ -145,23 +130,26 @@ int MultiByteToWideChar(UINT codePage, DWORD flags, LPCSTR multiByte, int multiB
 
 int WideCharToMultiByte(UINT codePage, DWORD flags, LPCWSTR wide, int wideCount, LPSTR multiByte,
                         int multiByteCount, LPCSTR defaultChar, LPBOOL usedDefaultChar) {
-    if (!wide || wideCount == 0 || wideCount < -1 || multiByteCount < 0 || (multiByteCount > 0 && !multiByte))
+    if (!wide || wideCount == 0 || multiByteCount < 0 || (multiByteCount > 0 && !multiByte))
         return Fail(ERROR_INVALID_PARAMETER);
     const ZelCodePage* page = Resolve(codePage);
     if (!page) return Fail(ERROR_INVALID_PARAMETER);
-    // The Unicode forms have no default character: every character has a form.
+    // UTF-7 and UTF-8 have no default character: every character has a form.
     if (IsUnicode(*page) && (defaultChar || usedDefaultChar)) return Fail(ERROR_INVALID_PARAMETER);
 
     constexpr DWORD known = WC_COMPOSITECHECK | WC_DISCARDNS | WC_SEPCHARS | WC_DEFAULTCHAR | WC_ERR_INVALID_CHARS |
                             WC_NO_BEST_FIT_CHARS;
-    DWORD allowed = known;
+    // Strictness about lone surrogates is for UTF-8 and GB18030 alone.
+    DWORD allowed = known & ~DWORD{WC_ERR_INVALID_CHARS};
     if (page->kind == ZelCodePageKind::Utf7)
         allowed = 0;
     else if (IsUnicode(*page))
         allowed = WC_ERR_INVALID_CHARS;
+    else if (page->codePage == 54936)
+        allowed |= WC_ERR_INVALID_CHARS;
     if (flags & ~allowed) return Fail(ERROR_INVALID_FLAGS);
 
-    size_t length = wideCount >= 0 ? static_cast<size_t>(wideCount) : wcslen(wide) + 1;
+    size_t length = wideCount >= 0 ? static_cast<size_t>(wideCount) : wcslen(wide) + 1;  // any negative: terminated
     if (length > static_cast<size_t>(INT_MAX)) return Fail(ERROR_INVALID_PARAMETER);
     if (multiByteCount > 0 &&
         Overlaps(wide, length * sizeof(WCHAR), multiByte, static_cast<size_t>(multiByteCount)))

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "platform/posix/nls/date_names.h"
+#include "platform/posix/nls/locale_info_table.h"
 #include "platform/posix/text_result.h"
 #include "platform/win32.h"
 
@@ -192,16 +193,21 @@ int GetTimeFormatW(LCID locale, DWORD flags, const SYSTEMTIME* time, LPCWSTR for
     return ZelDeliverText(text, buffer, size);
 }
 
+// The A forms convert through the locale's own code page (the system's with LOCALE_USE_CP_ACP).
 int GetDateFormatA(LCID locale, DWORD flags, const SYSTEMTIME* date, LPCSTR format, LPSTR buffer, int size) {
+    const UINT codePage = ZelPlatformLocaleCodePage(locale, flags);
     std::u16string text;
-    if (!ZelValidOutputSize(buffer, size) || !FormatDate(locale, flags, date, ZelPlatformAnsiToWide(format).get(), text))
+    if (!ZelValidOutputSize(buffer, size) ||
+        !FormatDate(locale, flags, date, ZelPlatformAnsiToWide(format, codePage).get(), text))
         return 0;
-    return ZelDeliverText(ZelPlatformWideToAnsi(text.c_str()), buffer, size);
+    return ZelDeliverText(ZelPlatformWideToAnsi(text.c_str(), codePage), buffer, size);
 }
 
 int GetTimeFormatA(LCID locale, DWORD flags, const SYSTEMTIME* time, LPCSTR format, LPSTR buffer, int size) {
+    const UINT codePage = ZelPlatformLocaleCodePage(locale, flags);
     std::u16string text;
-    if (!ZelValidOutputSize(buffer, size) || !FormatTime(locale, flags, time, ZelPlatformAnsiToWide(format).get(), text))
+    if (!ZelValidOutputSize(buffer, size) ||
+        !FormatTime(locale, flags, time, ZelPlatformAnsiToWide(format, codePage).get(), text))
         return 0;
-    return ZelDeliverText(ZelPlatformWideToAnsi(text.c_str()), buffer, size);
+    return ZelDeliverText(ZelPlatformWideToAnsi(text.c_str(), codePage), buffer, size);
 }

@@ -1,5 +1,6 @@
 // GetLocaleInfo over the table of the system's locales. The default locales stand for the user's
-// and the system's language; a language the table lacks, or lacks a sublanguage of, is unknown.
+// and the system's language, a neutral language for its main locale; a language the table lacks,
+// or lacks a sublanguage of, is unknown.
 #include <cstdio>
 #include <cstring>
 #include <string>
@@ -10,16 +11,26 @@
 
 namespace {
 
-// Flags that may ride on the type and change nothing here: the table has no user overrides, and
-// the A form always converts through the ANSI code page.
+// Flags that may ride on the type and change nothing of the text: the table has no user
+// overrides, and the code page only matters to the A form.
 constexpr LCTYPE kIgnoredTypeFlags = LOCALE_NOUSEROVERRIDE | LOCALE_USE_CP_ACP;
 
+
+// A neutral language (no sublanguage) answers for the locale of its main country.
+LANGID NeutralDefault(LANGID language) {
+    switch (PRIMARYLANGID(language)) {
+        case LANG_CHINESE: return MAKELANGID(LANG_CHINESE, 0x02);  // simplified, PRC
+        case 0x0A: return MAKELANGID(0x0A, 0x03);                  // Spanish, modern sort
+        default: return MAKELANGID(PRIMARYLANGID(language), SUBLANG_DEFAULT);
+    }
+}
 
 const ZelLocaleFacts* FactsOf(LCID locale) {
     LANGID language = LANGIDFROMLCID(locale);
     if (locale == LOCALE_USER_DEFAULT || locale == 0) language = GetUserDefaultLangID();
     else if (locale == LOCALE_SYSTEM_DEFAULT) language = GetSystemDefaultLangID();
     else if (locale > 0xFFFF) language = 0;  // sort orders other than the default are not kept
+    else if (SUBLANGID(language) == 0) language = NeutralDefault(language);
     return language ? ZelPlatformLocaleFacts(language) : nullptr;
 }
 
@@ -60,6 +71,11 @@ bool LocaleText(LCID locale, LCTYPE type, std::u16string& out) {
 
 }  // namespace
 
+UINT ZelPlatformLocaleCodePage(LCID locale, DWORD flags) {
+    const ZelLocaleFacts* facts = (flags & LOCALE_USE_CP_ACP) ? nullptr : FactsOf(locale);
+    return facts && facts->ansiCodePage ? facts->ansiCodePage : UINT{CP_ACP};
+}
+
 int GetLocaleInfoW(LCID locale, LCTYPE type, LPWSTR buffer, int size) {
     std::u16string text;
     if (!ZelValidOutputSize(buffer, size) || !LocaleText(locale, type, text)) return 0;
@@ -72,5 +88,5 @@ int GetLocaleInfoA(LCID locale, LCTYPE type, LPSTR buffer, int size) {
     if (units <= 0) return 0;
     std::u16string wide(static_cast<size_t>(units), u'\0');
     GetLocaleInfoW(locale, type, wide.data(), units);
-    return ZelDeliverText(ZelPlatformWideToAnsi(wide.c_str()), buffer, size);
+    return ZelDeliverText(ZelPlatformWideToAnsi(wide.c_str(), ZelPlatformLocaleCodePage(locale, type)), buffer, size);
 }

@@ -18,4 +18,8 @@ struct ZelLocaleFacts {
 // The facts of a language id, or null for a language the system does not know.
 const ZelLocaleFacts* ZelPlatformLocaleFacts(LANGID language);
 
+// The code page of a locale's A forms: its own ANSI code page, or the system's with
+// LOCALE_USE_CP_ACP among the flags, for a locale of Unicode text only, or one the system lacks.
+UINT ZelPlatformLocaleCodePage(LCID locale, DWORD flags);
+
 #endif  // ZEL_PLATFORM_POSIX_LOCALE_INFO_TABLE_H
