@@ -97,7 +97,7 @@ bool UseSystemLanguage(const char* lcid) {
     DeleteRegistryValue(HKEY_CURRENT_USER, "Software\\Morvalis\\Global Settings\\User Locales", "LCID");
     zeltest::SetEnvironment("ZEL_LCID", lcid);
     ZelForgetLocaleCaches();
-    return !LocaleFixedPerProcess() || CurrentLocaleSetting("ZEL_LCID") == std::stoul(lcid, nullptr, 0);
+    return LocaleSettingIs("ZEL_LCID", lcid);
 }
 
 }  // namespace zeltest

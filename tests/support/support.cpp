@@ -105,7 +105,7 @@ SystemLocale::SystemLocale(const LocaleSettings& wanted) {
     for (const auto& [knob, value] : knobs) {
         if (!*value) continue;
         if (LocaleFixedPerProcess())
-            active_ = active_ && CurrentLocaleSetting(knob) == std::stoul(**value, nullptr, 0);
+            active_ = active_ && LocaleSettingIs(knob, **value);
         else
             knobs_.push_back(std::make_unique<ScopedEnv>(knob, *value));
     }

@@ -40,7 +40,7 @@ std::optional<std::string> TempDirOfFirstRun() { return std::nullopt; }
 
 // The layer reads its knobs at every call.
 bool LocaleFixedPerProcess() { return false; }
-unsigned long CurrentLocaleSetting(const std::string&) { return 0; }
+bool LocaleSettingIs(const std::string&, const std::string&) { return true; }
 bool RunningUnderWine() { return false; }
 bool HoldBackupRight() { return true; }
 bool DescriptorIsOpen(int fd) { return fcntl(fd, F_GETFD) != -1; }

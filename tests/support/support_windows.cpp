@@ -124,12 +124,12 @@ int RunInChild(const std::function<int()>& body) {
         results.clear();
     }
     if (const char* child = getenv(kChild)) {
-        std::istringstream spec(child);
+        std::istringstream calls(child);
         size_t wanted = 0;
         char separator = 0;
-        spec >> wanted >> separator;
+        calls >> wanted >> separator;
         std::vector<int> earlier;
-        for (int result; spec >> result; spec >> separator) earlier.push_back(result);
+        for (int result; calls >> result; calls >> separator) earlier.push_back(result);
         const size_t call = results.size() + 1;
         if (call == wanted) {
             const int code = body();
@@ -140,9 +140,9 @@ int RunInChild(const std::function<int()>& body) {
         results.push_back(answer);
         return answer;
     }
-    std::string spec = std::to_string(results.size() + 1) + ":";
-    for (int result : results) spec += std::to_string(result) + ",";
-    const ProgramResult run = RunProgram(OwnProgramPath(), {"--gtest_filter=" + name}, {{kChild, spec}});
+    std::string calls = std::to_string(results.size() + 1) + ":";
+    for (int result : results) calls += std::to_string(result) + ",";
+    const ProgramResult run = RunProgram(OwnProgramPath(), {"--gtest_filter=" + name}, {{kChild, calls}});
     fputs(run.out.c_str(), stdout);
     fputs(run.err.c_str(), stderr);
     // A process ended by an exception has the exception's code, which reads as negative.
@@ -201,8 +201,7 @@ std::string ProgramForRerun(const std::map<std::string, std::optional<std::strin
     }
     for (const char* knob : {"ZEL_ACP", "ZEL_OEMCP", "ZEL_LCID", "ZEL_SYSTEM_LCID"}) {
         const auto wanted = env.find(knob);
-        if (wanted != env.end() && wanted->second &&
-            std::stoul(*wanted->second, nullptr, 0) != CurrentLocaleSetting(knob)) {
+        if (wanted != env.end() && wanted->second && !LocaleSettingIs(knob, *wanted->second)) {
             *whyNot = std::string(knob) + " " + *wanted->second + " is the locale of another run";
             return {};
         }
@@ -212,12 +211,13 @@ std::string ProgramForRerun(const std::map<std::string, std::optional<std::strin
 
 bool LocaleFixedPerProcess() { return true; }
 
-unsigned long CurrentLocaleSetting(const std::string& knob) {
-    if (knob == "ZEL_ACP") return GetACP();
-    if (knob == "ZEL_OEMCP") return GetOEMCP();
-    if (knob == "ZEL_LCID") return GetUserDefaultLCID();
-    if (knob == "ZEL_SYSTEM_LCID") return GetSystemDefaultLCID();
-    return 0;
+bool LocaleSettingIs(const std::string& knob, const std::string& value) {
+    unsigned long current = 0;
+    if (knob == "ZEL_ACP") current = GetACP();
+    if (knob == "ZEL_OEMCP") current = GetOEMCP();
+    if (knob == "ZEL_LCID") current = GetUserDefaultLCID();
+    if (knob == "ZEL_SYSTEM_LCID") current = GetSystemDefaultLCID();
+    return current == std::stoul(value, nullptr, 0);
 }
 
 namespace {

@@ -26,10 +26,11 @@ std::string ProgramForRerun(const std::map<std::string, std::optional<std::strin
 // a test, and the rerun gets them back in the same order (nullopt: make a new one).
 void NoteTempDirForReruns(const std::string& path);
 std::optional<std::string> TempDirOfFirstRun();
-// Whether the locale settings are fixed for the life of a process, and a knob's value in this one
-// ("ZEL_ACP", "ZEL_OEMCP", "ZEL_LCID", "ZEL_SYSTEM_LCID").
+// Whether the locale settings are fixed for the life of a process, and whether a knob ("ZEL_ACP",
+// "ZEL_OEMCP", "ZEL_LCID", "ZEL_SYSTEM_LCID") has the value ("949", "0x412") in this one: always
+// where the knobs are read at every call, and so set by the test.
 bool LocaleFixedPerProcess();
-unsigned long CurrentLocaleSetting(const std::string& knob);
+bool LocaleSettingIs(const std::string& knob, const std::string& value);
 // Gives this run a registry of its own where the system's is shared by every process (Windows:
 // the current user's and the machine's keys are redirected to a private key, which a rerun of the
 // program shares and the first process removes at the end); the POSIX layer's lies in the run's
