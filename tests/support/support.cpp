@@ -13,14 +13,11 @@ namespace zeltest {
 
 namespace {
 
-// The system's temporary directory as the first process of the run found it: tests change TMP and
-// TEMP, and a rerun of the program in a new process starts with their values.
+// The run's own directory once the test main has made it (tests change TMP and TEMP, and a rerun
+// of the program in a new process starts with their values); before that the system's.
 std::filesystem::path TempBase() {
-    static constexpr char kTemp[] = "ZEL_TEST_TEMP";
-    if (const char* fixed = getenv(kTemp)) return SystemPath(fixed);
-    const std::u8string utf8 = std::filesystem::temp_directory_path().generic_u8string();
-    SetEnvironment(kTemp, std::string(utf8.begin(), utf8.end()));
-    return SystemPath(getenv(kTemp));
+    if (const char* fixed = getenv(kTestTemp)) return SystemPath(fixed);
+    return std::filesystem::temp_directory_path();
 }
 
 }  // namespace

@@ -95,6 +95,10 @@ void WriteFile(const std::string& path, const std::string& bytes);
 // Whether a file or directory of that name exists, asked of the system past the library.
 bool Exists(const std::string& path);
 
+// Where every TempDir of a run lies: the test main's own directory, which a rerun of the program in
+// a new process inherits, so that what a rerun leaves behind goes with the first process's.
+inline constexpr char kTestTemp[] = "ZEL_TEST_TEMP";
+
 // The registry directory and runtime directory that the test main set up for this run.
 const std::string& TestRoot();
 

@@ -19,6 +19,7 @@ const std::string& TestRoot() { return root->path(); }
 
 int main(int argc, char** argv) {
     zeltest::root = std::make_unique<zeltest::TempDir>();
+    if (!getenv(zeltest::kTestTemp)) zeltest::SetEnvironment(zeltest::kTestTemp, zeltest::root->path());
     zeltest::SetEnvironment("ZEL_REGISTRY_DIR", zeltest::root->path() + "/registry");
     zeltest::SetEnvironment("XDG_RUNTIME_DIR", zeltest::root->path() + "/run");
     zeltest::SetEnvironment("XDG_CONFIG_HOME", zeltest::root->path() + "/config");
