@@ -5,8 +5,10 @@
 #include <zel/wintypes.h>
 
 #include <cstdio>
+#include <cstdint>
 #include <string>
-#include <unordered_map>
+#include <string_view>
+#include <utility>
 
 #include "platform/stream_reads.h"
 
@@ -28,12 +30,49 @@ inline bool ZelRegFileGetBytes(FILE* stream, void* bytes, size_t count) {
     return true;
 }
 
+// Put together in a register: four byte stores read back as one word would wait for the stores.
 inline bool ZelRegFileGetNumber(FILE* stream, DWORD* value) {
-    unsigned char bytes[4];
-    if (!ZelRegFileGetBytes(stream, bytes, 4)) return false;
-    *value = DWORD(bytes[0]) | DWORD(bytes[1]) << 8 | DWORD(bytes[2]) << 16 | DWORD(bytes[3]) << 24;
+    DWORD number = 0;
+    for (int shift = 0; shift < 32; shift += 8) {
+        const int byte = ZelGetcOwnStream(stream);
+        if (byte == EOF) return false;
+        number |= DWORD(byte) << shift;
+    }
+    *value = number;
     return true;
 }
+
+// The names that one save or load converted last, each found again by its text: a direct-mapped
+// table, so that the many names a file repeats cost a hash and a compare, and the table never grows.
+template <typename From, typename To>
+class ZelRegNameCache {
+public:
+    const To* Find(std::basic_string_view<From> text) const {
+        const Entry& entry = entries_[SlotOf(text)];
+        return entry.used && entry.from == text ? &entry.to : nullptr;
+    }
+    const To& Put(std::basic_string_view<From> text, To converted) {
+        Entry& entry = entries_[SlotOf(text)];
+        entry.from.assign(text);
+        entry.to = std::move(converted);
+        entry.used = true;
+        return entry.to;
+    }
+
+private:
+    static constexpr size_t kEntries = 64;
+    static size_t SlotOf(std::basic_string_view<From> text) {
+        uint32_t hash = 2166136261u;
+        for (From unit : text) hash = (hash ^ static_cast<uint32_t>(unit)) * 16777619u;
+        return (hash ^ hash >> 16) % kEntries;
+    }
+    struct Entry {
+        std::basic_string<From> from;
+        To to;
+        bool used = false;
+    };
+    Entry entries_[kEntries];
+};
 
 // The text fields of one save or load, in the ANSI code page as it stood when the call began.
 // Names, which come again and again, are converted once a call; paths, which don't, every time.
@@ -46,17 +85,20 @@ public:
     // As ZelNarrowArg gives it.
     std::string Narrow(const WCHAR* text) const;
     std::string NarrowName(const WCHAR* name);
-    // Into text, which holds count units, as ZelAnsiToUnicode gives it with a buffer of count + 1.
+    // Into text, which holds count units, as ZelAnsiToUnicode gives it with a buffer of count + 1,
+    // up to its terminator.
     void Widen(const char* ansi, WCHAR* text, size_t count) const;
     void WidenName(const char* ansi, WCHAR* text, size_t count);
 
 private:
+    // The units of a text field with its terminator: fields of more than 259 bytes are refused.
+    static constexpr size_t kFieldUnits = 260;
     // Longer names are converted each time rather than remembered.
     static constexpr size_t kRememberedUnits = 64;
 
     DWORD codePage_;
-    std::unordered_map<std::u16string, std::string> narrowNames_;
-    std::unordered_map<std::string, std::u16string> wideNames_;
+    ZelRegNameCache<char16_t, std::string> narrowNames_;
+    ZelRegNameCache<char, std::u16string> wideNames_;
 };
 
 #endif  // ZEL_SETTINGS_REGISTRY_FILE_FORMAT_H

@@ -14,6 +14,7 @@
 #include <iterator>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "settings/registry_adapters.h"
 #include "settings/registry_class_internal.h"
@@ -24,6 +25,9 @@ namespace {
 
 constexpr DWORD kOutOfMemory = 2;
 constexpr DWORD kFirstDataBytes = 256;
+// A load reads a few bytes at a time: a larger buffer than the default saves most of the reads
+// from the system.
+constexpr size_t kStreamBuffer = size_t(64) << 10;
 
 // Set by a leaf that _DeleteFullSubKey reached, cleared when its parent deleted it. One per
 // process, so only one load may run at a time.
@@ -41,6 +45,12 @@ DWORD BytesLeft(FILE* stream) {
 // The texts of the load under way on this thread, or null.
 thread_local ZelRegFileTexts* loadTexts = nullptr;
 
+// The texts of a call outside a load hold tables that the load's own reads should not carry on
+// their stack.
+[[gnu::noinline]] void WidenOutsideALoad(const char* ansi, WCHAR* text) {
+    ZelRegFileTexts().Widen(ansi, text, kZelRegNameUnits);
+}
+
 // A text field into text, which holds kZelRegNameUnits units: a path, or a name.
 bool GetText(FILE* stream, WCHAR* text, bool name = false) {
     DWORD length = 0;
@@ -49,7 +59,7 @@ bool GetText(FILE* stream, WCHAR* text, bool name = false) {
     if (!ZelRegFileGetBytes(stream, ansi, length)) return false;
     ansi[length] = 0;
     if (!loadTexts)
-        ZelRegFileTexts().Widen(ansi, text, kZelRegNameUnits);
+        WidenOutsideALoad(ansi, text);
     else if (name)
         loadTexts->WidenName(ansi, text, kZelRegNameUnits);
     else
@@ -65,6 +75,8 @@ int CZelRegistry::LoadFromFile(const WCHAR* filePath, HKEY root) {
     ZelPathToAbsolute(filePath, absolute);
     FILE* stream = u__wfopen(absolute, u"rb");
     if (!stream) return 0;
+    std::vector<char> buffer(kStreamBuffer);
+    std::setvbuf(stream, buffer.data(), _IOFBF, buffer.size());
     loadEnd = std::fseek(stream, 0, SEEK_END) == 0 ? std::ftell(stream) : 0;
     std::rewind(stream);
     ZelRegFileTexts texts;
@@ -101,8 +113,10 @@ int CZelRegistry::__LoadSubKeyAndGetCntValue(FILE* stream, WCHAR* path, DWORD* c
 int CZelRegistry::__LoadKeyValue(FILE* stream, DWORD* capacity, WCHAR* name, DWORD* type, BYTE** data, DWORD* size) {
     if (!GetText(stream, name, true) || !ZelRegFileGetNumber(stream, type) || !ZelRegFileGetNumber(stream, size))
         return 0;
-    if (*size > BytesLeft(stream)) return 0;
     if (*size > *capacity) {
+        // Data longer than the rest of the file ends the load before a block is made for it. Data
+        // that fits the buffer needs no such check: its read comes short and ends the load too.
+        if (*size > BytesLeft(stream)) return 0;
         BYTE* grown = static_cast<BYTE*>(std::malloc(*size));
         if (!grown) {
             ZelSetError(kOutOfMemory);

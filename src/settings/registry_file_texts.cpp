@@ -23,31 +23,36 @@ std::string ZelRegFileTexts::Narrow(const WCHAR* text) const {
 }
 
 std::string ZelRegFileTexts::NarrowName(const WCHAR* name) {
-    std::u16string_view key(name);
+    const std::u16string_view key(name);
     if (key.size() > kRememberedUnits) return Narrow(name);
-    auto found = narrowNames_.find(std::u16string(key));
-    if (found == narrowNames_.end()) found = narrowNames_.emplace(key, Narrow(name)).first;
-    return found->second;
+    if (const std::string* known = narrowNames_.Find(key)) return *known;
+    return narrowNames_.Put(key, Narrow(name));
 }
 
 void ZelRegFileTexts::Widen(const char* ansi, WCHAR* text, size_t count) const {
-    // The conversion wants room for one unit more than the text and its terminator.
-    std::vector<WCHAR> wide(count + 1);
-    ZelAnsiToUnicode(0, codePage_, ansi, -1, wide.data(), static_cast<int>(wide.size()), 0);
+    // The conversion wants room for one unit more than the text and its terminator. A field's
+    // text fits the stack; a longer count takes the heap. Either starts as zeros, so that a
+    // conversion that fails gives the units it wrote.
+    WCHAR small[kFieldUnits + 1] = {};
+    std::vector<WCHAR> large;
+    WCHAR* wide = small;
+    if (count > kFieldUnits) {
+        large.resize(count + 1);
+        wide = large.data();
+    }
+    ZelAnsiToUnicode(0, codePage_, ansi, -1, wide, static_cast<int>(count + 1), 0);
     wide[count - 1] = 0;
-    std::memcpy(text, wide.data(), count * sizeof(WCHAR));
+    std::copy(wide, wide + std::char_traits<char16_t>::length(wide) + 1, text);
 }
 
 void ZelRegFileTexts::WidenName(const char* ansi, WCHAR* text, size_t count) {
-    if (std::strlen(ansi) > kRememberedUnits) return Widen(ansi, text, count);
-    auto found = wideNames_.find(ansi);
-    if (found == wideNames_.end()) {
+    const std::string_view key(ansi);
+    if (key.size() > kRememberedUnits) return Widen(ansi, text, count);
+    const std::u16string* known = wideNames_.Find(key);
+    if (!known) {
         std::vector<WCHAR> wide(count);
         Widen(ansi, wide.data(), count);
-        found = wideNames_.emplace(ansi, std::u16string(wide.data())).first;
+        known = &wideNames_.Put(key, std::u16string(wide.data()));
     }
-    // The text, and zeros to the end as the conversion leaves them.
-    const std::u16string& known = found->second;
-    std::memcpy(text, known.c_str(), (known.size() + 1) * sizeof(WCHAR));
-    std::fill(text + known.size() + 1, text + count, WCHAR{0});
+    std::copy(known->c_str(), known->c_str() + known->size() + 1, text);
 }

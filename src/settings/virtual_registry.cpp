@@ -87,6 +87,11 @@ void VirtualRegChildIndex::Erase(const VirtualRegKey* child) {
     --used_;
 }
 
+void VirtualRegKeyList::Destroy(VirtualRegKey* key) {
+    key->~VirtualRegKey();
+    VirtualRegRelease(key, sizeof(VirtualRegKey));
+}
+
 VirtualRegKey* VirtualRegKeyList::front() {
     while (!keys_[head_]) ++head_;
     return keys_[head_];
@@ -96,7 +101,7 @@ bool VirtualRegKeyList::Holds(const VirtualRegKey* key) const { return key->list
 
 VirtualRegKey* VirtualRegKeyList::Make() {
     if (keys_.size() == keys_.capacity()) keys_.reserve(std::max<size_t>(16, keys_.size() * 2));
-    auto* key = new VirtualRegKey();
+    auto* key = ::new (VirtualRegAllocate(sizeof(VirtualRegKey))) VirtualRegKey();
     key->list = this;
     key->slot = keys_.size();
     keys_.push_back(key);
@@ -106,7 +111,7 @@ VirtualRegKey* VirtualRegKeyList::Make() {
 
 void VirtualRegKeyList::Erase(VirtualRegKey* key) {
     keys_[key->slot] = nullptr;
-    delete key;
+    Destroy(key);
     --live_;
     if (live_ == 0) {
         clear();
@@ -124,7 +129,8 @@ void VirtualRegKeyList::Erase(VirtualRegKey* key) {
 }
 
 void VirtualRegKeyList::clear() {
-    for (VirtualRegKey* key : keys_) delete key;
+    for (VirtualRegKey* key : keys_)
+        if (key) Destroy(key);
     keys_.clear();
     live_ = 0;
     head_ = 0;

@@ -62,7 +62,7 @@ private:
 // What a look-up reads (the name, the values) comes first.
 struct VirtualRegKey {
     VirtualRegName name;                  // the form of its first creation
-    std::vector<VirtualRegValue> values;  // in order of first creation
+    std::vector<VirtualRegValue, VirtualRegAllocator<VirtualRegValue>> values;  // in order of first creation
     DWORD depth = 0;                      // 1 for a hive root
     DWORD subKeyCount = 0;
     std::u16string defaultValue;
@@ -109,6 +109,8 @@ public:
     void clear();
 
 private:
+    static void Destroy(VirtualRegKey* key);
+
     std::vector<VirtualRegKey*> keys_;
     size_t live_ = 0;
     size_t head_ = 0;  // no key stands in front of this place
@@ -119,7 +121,7 @@ public:
     // Element 0 is the hive's root; then every other key of the hive in order of creation, flat.
     using KeyList = VirtualRegKeyList;
 
-    constexpr VirtualRegistry() = default;
+    VirtualRegistry() { VirtualRegPrepareMemory(); }
     VirtualRegistry(const VirtualRegistry&) = delete;
     VirtualRegistry& operator=(const VirtualRegistry&) = delete;
 

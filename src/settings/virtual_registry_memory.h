@@ -1,14 +1,18 @@
-// Memory of the tree's keys and of the indexes of their children. A large tree is read at random:
-// its keys and indexes are kept in blocks that a few large pages can map, so that a look-up costs
-// cache misses and not also a walk of the page tables for each of them.
+// Memory of the tree: keys, their value arrays, long names and bytes, and the indexes of their
+// children. Not locked: the tree is used by one thread at a time.
 #ifndef ZEL_SETTINGS_VIRTUAL_REGISTRY_MEMORY_H
 #define ZEL_SETTINGS_VIRTUAL_REGISTRY_MEMORY_H
 
 #include <cstddef>
 #include <new>
 
-// A block of bytes, aligned to a cache line; from 2 MB on, aligned to 2 MB and offered to the
-// system's large pages. Throws std::bad_alloc.
+// The free lists must outlive every block taken from them: the tree calls this before it makes
+// its first key, so that the library's unload, which goes in the reverse order of building,
+// releases the tree first.
+void VirtualRegPrepareMemory();
+
+// A block of bytes, aligned to 16; from 2 MB on, aligned to 2 MB and offered to the system's large
+// pages. Up to 1 KB, a released block serves the next one of its size. Throws std::bad_alloc.
 void* VirtualRegAllocate(size_t bytes);
 // bytes as given to VirtualRegAllocate.
 void VirtualRegRelease(void* block, size_t bytes);

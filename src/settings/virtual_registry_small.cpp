@@ -4,31 +4,41 @@
 
 #include "settings/virtual_registry_small.h"
 
+#include "settings/virtual_registry_memory.h"
+
 VirtualRegName& VirtualRegName::operator=(std::u16string_view text) {
     char16_t* heap = nullptr;
     if (text.size() > kInlineUnits) {
-        heap = new char16_t[text.size() + 1];
+        heap = static_cast<char16_t*>(VirtualRegAllocate((text.size() + 1) * sizeof(char16_t)));
         std::copy(text.begin(), text.end(), heap);
         heap[text.size()] = 0;
     } else {
         std::copy(text.begin(), text.end(), inline_);
         inline_[text.size()] = 0;
     }
-    delete[] heap_;
+    Release();
     heap_ = heap;
     size_ = static_cast<uint32_t>(text.size());
     return *this;
 }
 
+void VirtualRegName::Release() {
+    if (heap_) VirtualRegRelease(heap_, (size_ + 1) * sizeof(char16_t));
+}
+
+void VirtualRegBytes::Release() {
+    if (size_ > kInlineBytes) VirtualRegRelease(place_.heap, size_);
+}
+
 VirtualRegBytes::VirtualRegBytes(const BYTE* bytes, size_t count) {
-    if (count > kInlineBytes) place_.heap = new BYTE[count];
+    if (count > kInlineBytes) place_.heap = static_cast<BYTE*>(VirtualRegAllocate(count));
     if (count) std::memcpy(count > kInlineBytes ? place_.heap : place_.bytes, bytes, count);
     size_ = static_cast<uint32_t>(count);
 }
 
 VirtualRegBytes& VirtualRegBytes::operator=(VirtualRegBytes&& other) noexcept {
     if (this == &other) return *this;
-    if (size_ > kInlineBytes) delete[] place_.heap;
+    Release();
     size_ = other.size_;
     place_ = other.place_;
     other.size_ = 0;

@@ -1,5 +1,6 @@
 // What the tree keeps of a key's name and of a value's bytes: short ones in place, so that
-// reading them touches nothing else and making them allocates nothing; longer ones on the heap.
+// reading them touches nothing else and making them allocates nothing; longer ones in the tree's
+// own memory.
 #ifndef ZEL_SETTINGS_VIRTUAL_REGISTRY_SMALL_H
 #define ZEL_SETTINGS_VIRTUAL_REGISTRY_SMALL_H
 
@@ -15,7 +16,7 @@ public:
     VirtualRegName() = default;
     VirtualRegName(const VirtualRegName&) = delete;
     VirtualRegName& operator=(const VirtualRegName&) = delete;
-    ~VirtualRegName() { delete[] heap_; }
+    ~VirtualRegName() { Release(); }
     // Out of memory throws, leaving the name as it was.
     VirtualRegName& operator=(std::u16string_view text);
 
@@ -26,6 +27,8 @@ public:
     bool operator==(std::u16string_view other) const { return std::u16string_view(*this) == other; }
 
 private:
+    void Release();
+
     static constexpr size_t kInlineUnits = 13;
     char16_t* heap_ = nullptr;
     uint32_t size_ = 0;
@@ -42,9 +45,7 @@ public:
     VirtualRegBytes& operator=(VirtualRegBytes&& other) noexcept;
     VirtualRegBytes(const VirtualRegBytes&) = delete;
     VirtualRegBytes& operator=(const VirtualRegBytes&) = delete;
-    ~VirtualRegBytes() {
-        if (size_ > kInlineBytes) delete[] place_.heap;
-    }
+    ~VirtualRegBytes() { Release(); }
 
     const BYTE* data() const { return size_ > kInlineBytes ? place_.heap : place_.bytes; }
     size_t size() const { return size_; }
@@ -52,6 +53,8 @@ public:
     BYTE operator[](size_t at) const { return data()[at]; }
 
 private:
+    void Release();
+
     static constexpr size_t kInlineBytes = 24;
     uint32_t size_ = 0;
     union Place {

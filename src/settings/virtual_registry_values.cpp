@@ -19,7 +19,7 @@ std::u16string TextAt(const BYTE* data) {
     }
 }
 
-std::vector<VirtualRegValue>::iterator FindValue(VirtualRegKey* key, const WCHAR* name) {
+auto FindValue(VirtualRegKey* key, const WCHAR* name) {
     return std::find_if(key->values.begin(), key->values.end(),
                         [name](const VirtualRegValue& value) { return value.name == name; });
 }

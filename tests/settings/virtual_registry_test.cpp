@@ -1,12 +1,15 @@
 // The in-memory registry tree, each test on a tree of its own.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <random>
 #include <string>
 #include <vector>
 
 #include "settings/virtual_registry.h"
+#include "settings/virtual_registry_memory.h"
 
 namespace {
 
@@ -305,6 +308,43 @@ TEST(VirtualRegistry, NamesAndDataAtTheEdgesOfWhatAKeyHoldsInPlace) {
         ASSERT_EQ(1, tree.EnumValue(parent, DWORD(i), name, 15, &type, listedData, &listedSize)) << i;
         EXPECT_EQ(names[i + 1], name);
         EXPECT_EQ(expected[i], std::vector<BYTE>(listedData, listedData + listedSize)) << i;
+    }
+}
+
+// Blocks of the tree's memory, of every size class and beyond, taken and given back at random:
+// each keeps its own bytes while it is held, whichever released block it reuses, and after all
+// were given back (the chunks go back too) the memory serves again.
+TEST(VirtualRegistryMemory, BlocksKeepTheirBytesWhateverTheyReuse) {
+    VirtualRegPrepareMemory();
+    struct Held {
+        BYTE* block;
+        size_t size;
+        BYTE fill;
+    };
+    std::mt19937 random(11);
+    for (int round = 0; round < 2; ++round) {
+        std::vector<Held> held;
+        auto intact = [](const Held& h) {
+            return std::all_of(h.block, h.block + h.size, [&](BYTE b) { return b == h.fill; });
+        };
+        for (int step = 0; step < 4000; ++step) {
+            if (!held.empty() && random() % 3 == 0) {
+                const size_t at = random() % held.size();
+                ASSERT_TRUE(intact(held[at])) << step;
+                VirtualRegRelease(held[at].block, held[at].size);
+                held.erase(held.begin() + static_cast<std::ptrdiff_t>(at));
+                continue;
+            }
+            const size_t size = random() % 8 == 0 ? 1025 + random() % 3000 : 1 + random() % 1024;
+            const Held h{static_cast<BYTE*>(VirtualRegAllocate(size)), size, BYTE(step)};
+            ASSERT_EQ(0u, reinterpret_cast<uintptr_t>(h.block) % 16);
+            std::memset(h.block, h.fill, size);
+            held.push_back(h);
+        }
+        for (const Held& h : held) {
+            ASSERT_TRUE(intact(h));
+            VirtualRegRelease(h.block, h.size);
+        }
     }
 }
 
