@@ -117,12 +117,18 @@ void VirtualRegKeyList::Erase(VirtualRegKey* key) {
         clear();
         return;
     }
+    // Empty places at the end go at once: keys made last are often the first to go.
+    while (!keys_.back()) keys_.pop_back();
     if (keys_.size() < kSmallestGappedList || live_ * 2 > keys_.size()) return;
+    // Only the keys that move are touched.
     size_t kept = 0;
     for (size_t at = 0; at < keys_.size(); ++at) {
         if (!keys_[at]) continue;
-        keys_[at]->slot = kept;
-        keys_[kept++] = keys_[at];
+        if (at != kept) {
+            keys_[at]->slot = kept;
+            keys_[kept] = keys_[at];
+        }
+        ++kept;
     }
     keys_.resize(kept);
     head_ = 0;
