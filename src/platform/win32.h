@@ -38,8 +38,10 @@ BOOL TlsFree(DWORD index) ZEL_SYSTEM_CALL(TlsFree);
 LPVOID TlsGetValue(DWORD index) ZEL_SYSTEM_CALL(TlsGetValue);
 BOOL TlsSetValue(DWORD index, LPVOID value) ZEL_SYSTEM_CALL(TlsSetValue);
 
-// Asks the system to back a block of whole 2 MB pages with large pages; only a hint.
-void ZelPlatformPreferLargePages(void* block, size_t bytes);
+// A block of bytes from the system, aligned to 2 MB where the system has large pages and offered
+// to them; throws std::bad_alloc. Released with its size.
+void* ZelPlatformAllocateLargeBlock(size_t bytes);
+void ZelPlatformReleaseLargeBlock(void* block, size_t bytes);
 
 // The environment as 16-bit text (posix/process/environment.cpp, from the UTF-8 environment).
 DWORD GetEnvironmentVariableW(LPCWSTR name, LPWSTR buffer, DWORD size) ZEL_SYSTEM_CALL(GetEnvironmentVariableW);

@@ -1,7 +1,8 @@
 // The tree's memory. Keys, value arrays and the bytes of long names and values are small and come
 // and go by the hundred thousand when a large tree is loaded or cleared: they are carved from
 // chunks and kept on free lists by size, which costs a few instructions where the heap would
-// search and merge. Large blocks go on large pages, where the system offers them.
+// search and merge. Blocks of 2 MB and more come from the system, on large pages where it offers
+// them.
 #include "settings/virtual_registry_memory.h"
 
 #include <algorithm>
@@ -15,17 +16,11 @@ namespace {
 
 constexpr size_t kLargePage = size_t(2) << 20;
 
-size_t RoundedToLargePages(size_t bytes) { return (bytes + kLargePage - 1) / kLargePage * kLargePage; }
-
-void* LargeBlock(size_t bytes) {
-    void* block = ::operator new(RoundedToLargePages(bytes), std::align_val_t(kLargePage));
-    ZelPlatformPreferLargePages(block, RoundedToLargePages(bytes));
-    return block;
-}
-
-// Free lists of blocks in steps of 16 bytes. A chunk is twice the one before, up to a large page,
-// so that a small tree holds little and a large one lies on few pages. Once no block is in use
-// the chunks go back.
+// Free lists of blocks in steps of 16 bytes. Each size has chunks of its own, so that blocks of one
+// kind (keys, say) lie together however the tree was built and cleared before: a tree made after
+// another one was cleared is as dense as the first. A size's chunk is twice its last one, up to a
+// large page, so that a small tree holds little and a large one lies on few pages. Once no block
+// is in use the chunks go back.
 class SmallBlocks {
 public:
     static constexpr size_t kGrain = 16;
@@ -37,74 +32,81 @@ public:
     ~SmallBlocks() { ReleaseChunks(); }
 
     void* Take(size_t bytes) {
-        const size_t step = StepOf(bytes);
-        void* block = free_[step];
+        Size& size = sizes_[StepOf(bytes)];
+        void* block = size.free;
         if (block) {
-            free_[step] = *static_cast<void**>(block);
+            size.free = *static_cast<void**>(block);
         } else {
-            const size_t size = step * kGrain;
-            if (size_t(end_ - next_) < size) AddChunk();
-            block = next_;
-            next_ += size;
+            const size_t blockBytes = StepOf(bytes) * kGrain;
+            if (size_t(size.end - size.next) < blockBytes) AddChunk(size, blockBytes);
+            block = size.next;
+            size.next += blockBytes;
         }
         ++inUse_;
         return block;
     }
 
     void Give(void* block, size_t bytes) {
-        const size_t step = StepOf(bytes);
-        *static_cast<void**>(block) = free_[step];
-        free_[step] = block;
+        Size& size = sizes_[StepOf(bytes)];
+        *static_cast<void**>(block) = size.free;
+        size.free = block;
         if (--inUse_ == 0) ReleaseChunks();
     }
 
 private:
+    static constexpr size_t kFirstChunk = size_t(4) << 10;
+
+    struct Size {
+        void* free = nullptr;
+        char* next = nullptr;
+        char* end = nullptr;
+        size_t lastChunk = 0;  // bytes
+    };
+    struct Chunk {
+        void* block;
+        size_t bytes;
+    };
+
     static size_t StepOf(size_t bytes) { return std::max<size_t>(1, (bytes + kGrain - 1) / kGrain); }
 
-    void AddChunk() {
-        const size_t bytes = chunks_.empty() ? size_t(16) << 10 : std::min(kLargePage, chunks_.back().bytes * 2);
+    void AddChunk(Size& size, size_t blockBytes) {
+        const size_t bytes = std::max(blockBytes, size.lastChunk ? std::min(kLargePage, size.lastChunk * 2) : kFirstChunk);
         chunks_.reserve(chunks_.size() + 1);
-        void* block = bytes < kLargePage ? ::operator new(bytes) : LargeBlock(bytes);
+        void* block = bytes < kLargePage ? ::operator new(bytes) : ZelPlatformAllocateLargeBlock(bytes);
         chunks_.push_back({block, bytes});
-        next_ = static_cast<char*>(block);
-        end_ = next_ + bytes;
+        size.next = static_cast<char*>(block);
+        size.end = size.next + bytes;
+        size.lastChunk = bytes;
     }
 
     void ReleaseChunks() {
         for (const Chunk& chunk : chunks_) {
             if (chunk.bytes < kLargePage) ::operator delete(chunk.block);
-            else ::operator delete(chunk.block, std::align_val_t(kLargePage));
+            else ZelPlatformReleaseLargeBlock(chunk.block, chunk.bytes);
         }
         chunks_.clear();
-        std::fill(std::begin(free_), std::end(free_), nullptr);
-        next_ = end_ = nullptr;
+        std::fill(std::begin(sizes_), std::end(sizes_), Size{});
     }
 
-    struct Chunk {
-        void* block;
-        size_t bytes;
-    };
     std::vector<Chunk> chunks_;
-    void* free_[kLargest / kGrain + 1] = {};
-    char* next_ = nullptr;
-    char* end_ = nullptr;
+    Size sizes_[kLargest / kGrain + 1] = {};
     size_t inUse_ = 0;
 };
 
 constinit ZelProcessObject<SmallBlocks> smallBlocks;
 
-// A sanitizer sees each block of the heap on its own; the free lists would hide a block used after
-// its release.
+// A sanitizer sees each block of the heap on its own; the free lists and the system's blocks would
+// hide a block used after its release or read past its end.
 #if defined(__SANITIZE_ADDRESS__)
-constexpr bool kOwnFreeLists = false;
+constexpr bool kOwnMemory = false;
 #elif defined(__has_feature)
 #if __has_feature(address_sanitizer)
-constexpr bool kOwnFreeLists = false;
+constexpr bool kOwnMemory = false;
 #else
-constexpr bool kOwnFreeLists = true;
+constexpr bool kOwnMemory = true;
 #endif
 #else
-constexpr bool kOwnFreeLists = true;
+constexpr bool kOwnMemory = true;
 #endif
 
 }  // namespace
@@ -112,13 +114,14 @@ constexpr bool kOwnFreeLists = true;
 void VirtualRegPrepareMemory() { (void)*smallBlocks; }
 
 void* VirtualRegAllocate(size_t bytes) {
-    if (kOwnFreeLists && bytes <= SmallBlocks::kLargest) return smallBlocks->Take(bytes);
+    if (!kOwnMemory) return ::operator new(bytes);
+    if (bytes <= SmallBlocks::kLargest) return smallBlocks->Take(bytes);
     if (bytes < kLargePage) return ::operator new(bytes);
-    return LargeBlock(bytes);
+    return ZelPlatformAllocateLargeBlock(bytes);
 }
 
 void VirtualRegRelease(void* block, size_t bytes) {
-    if (kOwnFreeLists && bytes <= SmallBlocks::kLargest) smallBlocks->Give(block, bytes);
-    else if (bytes < kLargePage) ::operator delete(block);
-    else ::operator delete(block, std::align_val_t(kLargePage));
+    if (!kOwnMemory || (bytes > SmallBlocks::kLargest && bytes < kLargePage)) ::operator delete(block);
+    else if (bytes <= SmallBlocks::kLargest) smallBlocks->Give(block, bytes);
+    else ZelPlatformReleaseLargeBlock(block, bytes);
 }

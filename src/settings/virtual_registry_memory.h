@@ -11,8 +11,8 @@
 // releases the tree first.
 void VirtualRegPrepareMemory();
 
-// A block of bytes, aligned to 16; from 2 MB on, aligned to 2 MB and offered to the system's large
-// pages. Up to 1 KB, a released block serves the next one of its size. Throws std::bad_alloc.
+// A block of bytes, aligned to 16; from 2 MB on, from the system as ZelPlatformAllocateLargeBlock
+// gives it. Up to 1 KB, a released block serves the next one of its size. Throws std::bad_alloc.
 void* VirtualRegAllocate(size_t bytes);
 // bytes as given to VirtualRegAllocate.
 void VirtualRegRelease(void* block, size_t bytes);
