@@ -2,7 +2,7 @@
 // writes and reads in one process, what a hive of 100,000 keys adds to a start (the first calls of
 // a process: opening the hive, making the volatile key of the user's language and writing its
 // value, reading one value), 8 processes writing 500 values each at once, and writers killed at
-// random instants. No peer: the figures are printed at the end.
+// random instants. No peer: the figures are printed at the end, then each as a goal line.
 #include <benchmark/benchmark.h>
 #include <signal.h>
 #include <sys/wait.h>
@@ -10,6 +10,7 @@
 #include <unistd.h>
 #include <zel/settings.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -390,6 +391,17 @@ int main(int argc, char** argv) {
         if (small > 0 && large > 0) growth.emplace_back(walk + 3, large / 10 / small);
     }
     for (const auto& [walk, ratio] : growth) PrintGoalLine(walk + " by index, 10,000 over 1,000, an item", ratio, 1.5);
+    // The figures with a floor or a ceiling of their own, each as a number that must stay at or
+    // below its goal.
+    const double writes = perSecond("BM_WriteValue/min_time:2.000"), reads = perSecond("BM_ReadValue/min_time:2.000");
+    if (writes > 0) PrintGoalLine("value writes, one process: 20,000 a second over ours", 20000 / writes, 1.0);
+    if (reads > 0) PrintGoalLine("value reads, one process: 200,000 a second over ours", 200000 / reads, 1.0);
+    PrintGoalValue("start on a hive of 100,000 keys, ms added", std::max(0.0, startLarge - startSmall), 20,
+                   startSmall > 0 && startLarge > 0);
+    const double eight = reporter.Time("BM_EightWriters/iterations:3/manual_time") / 1000;
+    PrintGoalValue("8 processes x 500 values at once, s", eight, 5, eight > 0);
+    PrintGoalValue("writers killed: failed opens, lost values, files left", kills.trials - kills.opened + kills.lost + kills.leftovers,
+                   0, kills.trials > 0);
     benchmark::Shutdown();
     std::filesystem::remove_all(Root().path);
     return 0;

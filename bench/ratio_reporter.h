@@ -77,4 +77,10 @@ inline void PrintGoalLine(const std::string& work, double ratio, double goal) {
     if (ratio > 0) std::printf("GOAL\t%s\t%.3f\t%.2f\n", work.c_str(), ratio, goal);
 }
 
+// The same for a measure of our own side alone, where 0 is a result (nothing lost, nothing added):
+// printed whenever its work ran.
+inline void PrintGoalValue(const std::string& work, double value, double goal, bool ran) {
+    if (ran) std::printf("GOAL\t%s\t%.3f\t%.2f\n", work.c_str(), value, goal);
+}
+
 #endif  // ZEL_BENCH_RATIO_REPORTER_H
