@@ -4,8 +4,9 @@
 
 #include <zel/settings.h>
 
-#include <string_view>
 #include <unordered_map>
+
+#include "settings/ini_name_table.h"
 
 // The error code for a record that could not be made.
 constexpr DWORD kZelIniOutOfMemory = 2;
@@ -21,18 +22,16 @@ constexpr WCHAR kZelIniByteOrderMark = 0xFEFF;
 // Frees a section's entries, their array and the section itself. Null is allowed.
 void ZelIniFreeSection(tagZELINISECTION* section);
 
-// Positions by name, each name at its first position. Names are views into the records, which
-// keep them while they are indexed: a renamed id or a removal makes the index forget.
-using ZelIniPositions = std::unordered_map<std::u16string_view, int>;
-
-// The index of one object. Each table covers the records in front of its count and catches up on
-// those appended since at the next look-up, so that an append costs nothing here.
+// The index of one object: positions by name, each name at its first position. The tables point
+// at the records, which keep their names while they are indexed: a renamed id or a removal makes
+// the index forget. Each table covers the records in front of its count and catches up on those
+// appended since at the next look-up, so that an append costs nothing here.
 struct ZelIniNameIndex {
     struct Ids {
-        ZelIniPositions first;
+        ZelIniNameTable<tagZELINIVALUE> first;
         size_t seen = 0;
     };
-    ZelIniPositions sections;
+    ZelIniNameTable<tagZELINISECTION> sections;
     size_t sectionsSeen = 0;
     std::unordered_map<const tagZELINISECTION*, Ids> ids;
 };

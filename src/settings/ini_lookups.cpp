@@ -24,21 +24,20 @@ int Scan(const std::vector<Record*>& records, Field field, const WCHAR* name) {
 // The same through positions that covered the first seen records, brought up to the rest first.
 // Out of memory leaves the positions empty, and the list is scanned.
 template <typename Record, typename Field>
-int Look(ZelIniPositions& positions, size_t& seen, const std::vector<Record*>& records, Field field,
+int Look(ZelIniNameTable<Record>& positions, size_t& seen, const std::vector<Record*>& records, Field field,
          const WCHAR* name) {
     if (seen > records.size()) {
         positions.clear();
         seen = 0;
     }
     try {
-        for (; seen < records.size(); ++seen) positions.emplace(records[seen]->*field, static_cast<int>(seen));
+        for (; seen < records.size(); ++seen) positions.Add(records[seen], static_cast<int>(seen), field);
     } catch (const std::bad_alloc&) {
         positions.clear();
         seen = 0;
         return Scan(records, field, name);
     }
-    auto found = positions.find(std::u16string_view(name));
-    return found == positions.end() ? -1 : found->second;
+    return positions.Find(std::u16string_view(name), field);
 }
 
 }  // namespace
