@@ -1,5 +1,6 @@
 // Memory of the tree: keys, their value arrays, long names and bytes, and the indexes of their
-// children. Not locked: the tree is used by one thread at a time.
+// children. Not locked: like the tree, the memory of all trees of the process is used by one
+// thread at a time.
 #ifndef ZEL_SETTINGS_VIRTUAL_REGISTRY_MEMORY_H
 #define ZEL_SETTINGS_VIRTUAL_REGISTRY_MEMORY_H
 
