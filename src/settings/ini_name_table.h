@@ -10,6 +10,8 @@
 #include <string_view>
 #include <vector>
 
+#include "strings/name_hash.h"
+
 template <typename Record>
 class ZelIniNameTable {
 public:
@@ -18,7 +20,7 @@ public:
     // The position of the record with this name, or -1.
     int Find(std::u16string_view name, Field field) const {
         if (slots_.empty()) return -1;
-        const uint32_t hash = HashOf(name);
+        const uint32_t hash = ZelNameHash(name);
         for (size_t at = hash & Mask();; at = (at + 1) & Mask()) {
             const Slot& slot = slots_[at];
             if (!slot.record) return -1;
@@ -32,7 +34,7 @@ public:
         const std::u16string_view name = record->*field;
         if (Find(name, field) >= 0) return;
         if ((used_ + 1) * 8 > slots_.size() * 7) Grow();
-        Place({HashOf(name), position, record});
+        Place({ZelNameHash(name), position, record});
         ++used_;
     }
 
@@ -48,11 +50,6 @@ private:
         const Record* record;  // null: a free slot
     };
 
-    static uint32_t HashOf(std::u16string_view name) {
-        uint64_t hash = 0xcbf29ce484222325ULL;
-        for (char16_t unit : name) hash = (hash ^ unit) * 0x100000001b3ULL;
-        return static_cast<uint32_t>(hash ^ (hash >> 32));
-    }
     size_t Mask() const { return slots_.size() - 1; }
     void Place(const Slot& slot) {
         size_t at = slot.hash & Mask();

@@ -5,12 +5,13 @@
 #include <zel/wintypes.h>
 
 #include <cstdio>
-#include <cstdint>
 #include <string>
 #include <string_view>
 #include <utility>
 
 #include "platform/stream_reads.h"
+#include "settings/registry_class_internal.h"
+#include "strings/name_hash.h"
 
 inline bool ZelRegFilePutNumber(FILE* stream, DWORD value) {
     const unsigned char bytes[4] = {static_cast<unsigned char>(value), static_cast<unsigned char>(value >> 8),
@@ -61,11 +62,7 @@ public:
 
 private:
     static constexpr size_t kEntries = 64;
-    static size_t SlotOf(std::basic_string_view<From> text) {
-        uint32_t hash = 2166136261u;
-        for (From unit : text) hash = (hash ^ static_cast<uint32_t>(unit)) * 16777619u;
-        return (hash ^ hash >> 16) % kEntries;
-    }
+    static size_t SlotOf(std::basic_string_view<From> text) { return ZelNameHash(text) % kEntries; }
     struct Entry {
         std::basic_string<From> from;
         To to;
@@ -85,14 +82,12 @@ public:
     // As ZelNarrowArg gives it.
     std::string Narrow(const WCHAR* text) const;
     std::string NarrowName(const WCHAR* name);
-    // Into text, which holds count units, as ZelAnsiToUnicode gives it with a buffer of count + 1,
-    // up to its terminator.
-    void Widen(const char* ansi, WCHAR* text, size_t count) const;
-    void WidenName(const char* ansi, WCHAR* text, size_t count);
+    // Into text, which holds kZelRegNameUnits units, as ZelAnsiToUnicode gives it with a buffer of
+    // one unit more, up to its terminator.
+    void Widen(const char* ansi, WCHAR* text) const;
+    void WidenName(const char* ansi, WCHAR* text);
 
 private:
-    // The units of a text field with its terminator: fields of more than 259 bytes are refused.
-    static constexpr size_t kFieldUnits = 260;
     // Longer names are converted each time rather than remembered.
     static constexpr size_t kRememberedUnits = 64;
 

@@ -48,7 +48,7 @@ thread_local ZelRegFileTexts* loadTexts = nullptr;
 // The texts of a call outside a load hold tables that the load's own reads should not carry on
 // their stack.
 [[gnu::noinline]] void WidenOutsideALoad(const char* ansi, WCHAR* text) {
-    ZelRegFileTexts().Widen(ansi, text, kZelRegNameUnits);
+    ZelRegFileTexts().Widen(ansi, text);
 }
 
 // A text field into text, which holds kZelRegNameUnits units: a path, or a name.
@@ -61,9 +61,9 @@ bool GetText(FILE* stream, WCHAR* text, bool name = false) {
     if (!loadTexts)
         WidenOutsideALoad(ansi, text);
     else if (name)
-        loadTexts->WidenName(ansi, text, kZelRegNameUnits);
+        loadTexts->WidenName(ansi, text);
     else
-        loadTexts->Widen(ansi, text, kZelRegNameUnits);
+        loadTexts->Widen(ansi, text);
     return true;
 }
 

@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <cstring>
 #include <string_view>
-#include <vector>
 
 #include "codetables/codepage_table_path.h"
 #include "settings/registry_file_format.h"
@@ -29,30 +28,22 @@ std::string ZelRegFileTexts::NarrowName(const WCHAR* name) {
     return narrowNames_.Put(key, Narrow(name));
 }
 
-void ZelRegFileTexts::Widen(const char* ansi, WCHAR* text, size_t count) const {
-    // The conversion wants room for one unit more than the text and its terminator. A field's
-    // text fits the stack; a longer count takes the heap. Either starts as zeros, so that a
-    // conversion that fails gives the units it wrote.
-    WCHAR small[kFieldUnits + 1] = {};
-    std::vector<WCHAR> large;
-    WCHAR* wide = small;
-    if (count > kFieldUnits) {
-        large.resize(count + 1);
-        wide = large.data();
-    }
-    ZelAnsiToUnicode(0, codePage_, ansi, -1, wide, static_cast<int>(count + 1), 0);
-    wide[count - 1] = 0;
+void ZelRegFileTexts::Widen(const char* ansi, WCHAR* text) const {
+    // The conversion wants room for one unit more than the text and its terminator. The buffer
+    // starts as zeros, so that a conversion that fails gives the units it wrote.
+    WCHAR wide[kZelRegNameUnits + 1] = {};
+    ZelAnsiToUnicode(0, codePage_, ansi, -1, wide, static_cast<int>(kZelRegNameUnits + 1), 0);
+    wide[kZelRegNameUnits - 1] = 0;
     std::copy(wide, wide + std::char_traits<char16_t>::length(wide) + 1, text);
 }
 
-void ZelRegFileTexts::WidenName(const char* ansi, WCHAR* text, size_t count) {
+void ZelRegFileTexts::WidenName(const char* ansi, WCHAR* text) {
     const std::string_view key(ansi);
-    if (key.size() > kRememberedUnits) return Widen(ansi, text, count);
-    const std::u16string* known = wideNames_.Find(key);
-    if (!known) {
-        std::vector<WCHAR> wide(count);
-        Widen(ansi, wide.data(), count);
-        known = &wideNames_.Put(key, std::u16string(wide.data()));
+    if (key.size() > kRememberedUnits) return Widen(ansi, text);
+    if (const std::u16string* known = wideNames_.Find(key)) {
+        std::copy(known->c_str(), known->c_str() + known->size() + 1, text);
+        return;
     }
-    std::copy(known->c_str(), known->c_str() + known->size() + 1, text);
+    Widen(ansi, text);
+    wideNames_.Put(key, std::u16string(text));
 }

@@ -5,6 +5,7 @@
 
 #include "platform/process_object.h"
 #include "settings/virtual_registry.h"
+#include "strings/name_hash.h"
 
 namespace {
 
@@ -24,11 +25,7 @@ constexpr size_t kSmallestGappedList = 64;
 
 namespace {
 
-uint32_t HashOf(std::u16string_view name) {
-    uint64_t hash = 0xcbf29ce484222325ULL;
-    for (char16_t unit : name) hash = (hash ^ Fold(unit)) * 0x100000001b3ULL;
-    return static_cast<uint32_t>(hash ^ (hash >> 32));
-}
+uint32_t HashOf(std::u16string_view name) { return ZelNameHash(name, Fold); }
 
 }  // namespace
 

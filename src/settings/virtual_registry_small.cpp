@@ -16,19 +16,15 @@ VirtualRegName& VirtualRegName::operator=(std::u16string_view text) {
         std::copy(text.begin(), text.end(), inline_);
         inline_[text.size()] = 0;
     }
-    Release();
+    if (heap_) Release();
     heap_ = heap;
     size_ = static_cast<uint32_t>(text.size());
     return *this;
 }
 
-void VirtualRegName::Release() {
-    if (heap_) VirtualRegRelease(heap_, (size_ + 1) * sizeof(char16_t));
-}
+void VirtualRegName::Release() { VirtualRegRelease(heap_, (size_ + 1) * sizeof(char16_t)); }
 
-void VirtualRegBytes::Release() {
-    if (size_ > kInlineBytes) VirtualRegRelease(place_.heap, size_);
-}
+void VirtualRegBytes::Release() { VirtualRegRelease(place_.heap, size_); }
 
 VirtualRegBytes::VirtualRegBytes(const BYTE* bytes, size_t count) {
     if (count > kInlineBytes) place_.heap = static_cast<BYTE*>(VirtualRegAllocate(count));
@@ -38,7 +34,7 @@ VirtualRegBytes::VirtualRegBytes(const BYTE* bytes, size_t count) {
 
 VirtualRegBytes& VirtualRegBytes::operator=(VirtualRegBytes&& other) noexcept {
     if (this == &other) return *this;
-    Release();
+    if (size_ > kInlineBytes) Release();
     size_ = other.size_;
     place_ = other.place_;
     other.size_ = 0;

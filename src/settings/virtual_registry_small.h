@@ -16,7 +16,9 @@ public:
     VirtualRegName() = default;
     VirtualRegName(const VirtualRegName&) = delete;
     VirtualRegName& operator=(const VirtualRegName&) = delete;
-    ~VirtualRegName() { Release(); }
+    ~VirtualRegName() {
+        if (heap_) Release();
+    }
     // Out of memory throws, leaving the name as it was.
     VirtualRegName& operator=(std::u16string_view text);
 
@@ -27,6 +29,7 @@ public:
     bool operator==(std::u16string_view other) const { return std::u16string_view(*this) == other; }
 
 private:
+    // Gives the heap text back; only for a name that has one.
     void Release();
 
     static constexpr size_t kInlineUnits = 13;
@@ -45,7 +48,9 @@ public:
     VirtualRegBytes& operator=(VirtualRegBytes&& other) noexcept;
     VirtualRegBytes(const VirtualRegBytes&) = delete;
     VirtualRegBytes& operator=(const VirtualRegBytes&) = delete;
-    ~VirtualRegBytes() { Release(); }
+    ~VirtualRegBytes() {
+        if (size_ > kInlineBytes) Release();
+    }
 
     const BYTE* data() const { return size_ > kInlineBytes ? place_.heap : place_.bytes; }
     size_t size() const { return size_; }
@@ -53,6 +58,7 @@ public:
     BYTE operator[](size_t at) const { return data()[at]; }
 
 private:
+    // Gives the heap bytes back; only for bytes that have them.
     void Release();
 
     static constexpr size_t kInlineBytes = 24;

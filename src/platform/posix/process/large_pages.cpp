@@ -12,19 +12,24 @@ namespace {
 
 constexpr size_t kLargePage = size_t(2) << 20;
 
+// Up to a whole large page: the system maps and unmaps whole pages, and a block of part of one
+// would leave the rest of it mapped when it is released.
+uintptr_t Rounded(uintptr_t bytes) { return (bytes + kLargePage - 1) & ~uintptr_t(kLargePage - 1); }
+
 }  // namespace
 
 void* ZelPlatformAllocateLargeBlock(size_t bytes) {
+    bytes = Rounded(bytes);
     // Mapped with a large page to spare, then cut to the aligned part.
     const size_t mapped = bytes + kLargePage;
     void* place = mmap(nullptr, mapped, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     if (place == MAP_FAILED) throw std::bad_alloc();
-    const uintptr_t start = reinterpret_cast<uintptr_t>(place);
-    const uintptr_t aligned = (start + kLargePage - 1) & ~uintptr_t(kLargePage - 1);
+    const uintptr_t start = reinterpret_cast<uintptr_t>(place), end = start + mapped;
+    const uintptr_t aligned = Rounded(start);
     if (aligned > start) munmap(place, aligned - start);
-    if (const uintptr_t end = start + mapped; end > aligned + bytes) munmap(reinterpret_cast<void*>(aligned + bytes), end - aligned - bytes);
+    if (end > aligned + bytes) munmap(reinterpret_cast<void*>(aligned + bytes), end - aligned - bytes);
     madvise(reinterpret_cast<void*>(aligned), bytes, MADV_HUGEPAGE);
     return reinterpret_cast<void*>(aligned);
 }
 
-void ZelPlatformReleaseLargeBlock(void* block, size_t bytes) { munmap(block, bytes); }
+void ZelPlatformReleaseLargeBlock(void* block, size_t bytes) { munmap(block, Rounded(bytes)); }
